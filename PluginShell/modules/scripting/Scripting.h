@@ -1,0 +1,135 @@
+#pragma once
+
+#include "Singleton.h"
+#include "UtilsDllGlobal.h"
+
+#include <QFile>
+#include <QMutex>
+#include <QObject>
+#include <QScriptEngine>
+#include <QScriptValue>
+#include <QString>
+#include <QStringList>
+#include <QTextStream>
+#include <QVariant>
+
+namespace VEK_NAMESPACE {
+
+/// The acceptance-test host inside the product: evaluates one ECMAScript file in the running
+/// application and writes a report beside it.
+///
+/// A host calls setPathToScript(), setTimeOut() if the run shall be limited, makeObjectScriptable()
+/// for what the script shall reach, and startScript(); the run starts 100 milliseconds later on the
+/// event loop and ends with testFinished(). From a successful setPathToScript() on the process is
+/// in scripting mode, in which message boxes and file dialogs show nothing and take the script's
+/// answers.
+///
+/// The script finds this object as the global "scripting": it may call the slots and connect
+/// functions to the signals. initializeTest(), startTest() and cleanupTest() are raised in this
+/// order after the file itself has run, each only if something is connected, and exceptionInTest()
+/// when an exception escapes.
+///
+/// The report's verdict, PASS or FAIL, tells whether an exception was pending or the file itself
+/// had been aborted after startTest(). A failure that the engine has forgotten by then stands in
+/// the report above a PASS; hasFailed() tells it.
+///
+/// One process runs one test: nothing resets a failure. GUI thread, but for log().
+class UTILSDLL_EXPORT CScripting : public QObject, public Singleton<CScripting>
+{
+    Q_OBJECT
+
+public:
+    CScripting();
+    ~CScripting() override;
+
+    /// Loads the script, UTF-8 text up to the first NUL byte, and starts the report
+    /// "<complete base name>Report.txt" in its folder. A script that can't be read changes nothing,
+    /// one without text gives a report and no scripting mode; a report that can't be written is
+    /// left out.
+    void setPathToScript(const QString& path);
+
+    /// The period in milliseconds after which the test fails; at the first period after its end the
+    /// application quits. 0 or less means none. Read when the run starts.
+    void setTimeOut(int msec);
+
+    void startScript();
+    bool isScriptingMode() const;
+
+    /// Makes \a object a global of the script. It stays the caller's. The first object under a name
+    /// keeps it, also when it has died.
+    void makeObjectScriptable(const QString& name, QObject* object);
+
+    /// Whether a failure was recorded, the verdict aside. Not visible to scripts.
+    bool hasFailed() const;
+
+    /// The text of the pending script exception with its line, or a null string.
+    QString lastExceptionMessage(const QScriptValue& exception) const;
+
+public Q_SLOTS:
+    /// The complete base name of the script file.
+    QString testName();
+
+    /// Runs the script; started by startScript().
+    void run();
+
+    /// Does nothing. Scripts may call it.
+    void test();
+
+    /// Emits resendSignal(): a dialog tells the script that it has come up.
+    void sendSignal(QObject* object);
+
+    /// Writes one line into the report; an empty text writes none. Any thread.
+    void log(const QVariant& message);
+
+    /// Serves events for \a msec milliseconds.
+    void wait(int msec);
+
+    /// Fails the test: records \a message, aborts the running script and closes a modal window.
+    /// Only the first call counts.
+    void fail(const QString& message = QString());
+
+Q_SIGNALS:
+    void initializeTest();
+    void cleanupTest();
+    void startTest();
+    void exceptionInTest();
+    void testFinished();
+    void resendSignal(QObject* object);
+    void createUndoCommandForSlider(const QString& slidername);
+
+protected:
+    void timerEvent(QTimerEvent* event) override;
+
+private Q_SLOTS:
+    void handleJScriptException(const QScriptValue& exception);
+
+private:
+    /// The signals that are raised for the script. The values index a table and are fixed.
+    enum jsSignal
+    {
+        jsInitializeTest = 0,
+        jsStartTest = 1,
+        jsCleanupTest = 2,
+        jsExceptionInTest = 3
+    };
+
+    void openReport(const QString& scriptPath);
+    QString reportPath(const QString& scriptPath) const;
+    void invokeSignalForScript(jsSignal s);
+    void failByException(const QString& message);
+    double elapsedSeconds() const;
+
+    QFile m_reportFile;
+    QTextStream m_reportStream;
+    QScriptEngine m_engine;
+    QString m_testName;
+    QString m_script; ///< not empty means scripting mode
+    QStringList m_shownMessageBoxes;
+    qint64 m_startTimeMs = 0;
+    qint32 m_timeOutMs = -1;
+    bool m_finished = false;
+    bool m_failed = false;
+    QMutex m_reportMutex; ///< guards writing to m_reportStream
+};
+
+} // namespace VEK_NAMESPACE

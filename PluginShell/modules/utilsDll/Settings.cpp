@@ -1,0 +1,208 @@
+#include "Settings.h"
+
+#include "CommonConstants.h"
+#include "Logger_p.h"
+#include "PlatformServices_p.h"
+#include "TemporarySettings.h"
+
+namespace VEK_NAMESPACE {
+
+using Private::logLine;
+
+namespace {
+
+/// The path of the product's settings file. QSettings forgets a parsed file when its last object
+/// goes, which would make every short-lived CSettings parse it again, so one object stays.
+const QString& settingsFilePath()
+{
+    struct SettingsFile
+    {
+        const QString path = Platform::systemFolder() + QStringLiteral("Data.plist");
+        const QSettings keepParsed{path, QSettings::NativeFormat};
+    };
+    // Never destroyed: destructors that run at exit may still read settings.
+    static const SettingsFile& file = *new SettingsFile;
+    return file.path;
+}
+
+} // namespace
+
+QPointer<CTemporarySettings> CSettings::m_tempSettings; // clazy:exclude=non-pod-global-static
+
+CSettings::CSettings(QObject* parent, bool persistentOnly)
+    : m_settings(settingsFilePath(), QSettings::NativeFormat, parent)
+    , m_persistentOnly(persistentOnly)
+{
+    detachFromDyingParent(parent);
+    connectSlots();
+}
+
+CSettings::CSettings(QSettings::Scope scope, QObject* parent)
+    : CSettings(parent, false)
+{
+    Q_UNUSED(scope)
+}
+
+CSettings::CSettings(const QString& fileName, QSettings::Format format, QObject* parent)
+    : m_settings(fileName, format, parent)
+{
+    detachFromDyingParent(parent);
+    connectSlots();
+}
+
+CSettings::~CSettings() = default;
+
+// The parent would delete the member as one of its children.
+void CSettings::detachFromDyingParent(QObject* parent)
+{
+    if (parent) {
+        connect(
+            parent, &QObject::destroyed, this, [this] { m_settings.setParent(nullptr); },
+            Qt::DirectConnection);
+    }
+}
+
+void CSettings::connectSlots()
+{
+    if (m_tempSettings) {
+        connect(m_tempSettings.data(), &QObject::destroyed, this,
+                &CSettings::logWhenTempSettingsDeleted);
+    }
+}
+
+QVariant CSettings::value(const QString& key, const QVariant& defaultValue) const
+{
+    // The reverse of the other operations' key rule is meant: see the header.
+    if (usingTemporarySettings())
+        return overlay().value(key, defaultValue);
+    return m_settings.value(localKey(key), defaultValue);
+}
+
+void CSettings::setValue(const QString& key, const QVariant& value)
+{
+    if (usingTemporarySettings()) {
+        overlay().setValue(localKey(key), value);
+        overlay().sync();
+    } else {
+        m_settings.setValue(key, value);
+    }
+}
+
+bool CSettings::contains(const QString& key) const
+{
+    return usingTemporarySettings() ? overlay().contains(localKey(key)) : m_settings.contains(key);
+}
+
+void CSettings::remove(const QString& key)
+{
+    if (usingTemporarySettings()) {
+        overlay().remove(localKey(key));
+        overlay().sync();
+    } else {
+        m_settings.remove(key);
+    }
+}
+
+void CSettings::beginGroup(const QString& prefix)
+{
+    if (usingTemporarySettings())
+        m_group = prefix;
+    else
+        m_settings.beginGroup(prefix);
+}
+
+void CSettings::endGroup()
+{
+    if (usingTemporarySettings())
+        m_group.clear();
+    else
+        m_settings.endGroup();
+}
+
+QString CSettings::group() const
+{
+    return usingTemporarySettings() ? m_group : m_settings.group();
+}
+
+int CSettings::beginReadArray(const QString& prefix)
+{
+    return usingTemporarySettings() ? overlay().beginReadArray(prefix)
+                                    : m_settings.beginReadArray(prefix);
+}
+
+void CSettings::beginWriteArray(const QString& prefix, int size)
+{
+    if (usingTemporarySettings())
+        overlay().beginWriteArray(prefix, size);
+    else
+        m_settings.beginWriteArray(prefix, size);
+}
+
+void CSettings::endArray()
+{
+    if (usingTemporarySettings())
+        overlay().endArray();
+    else
+        m_settings.endArray();
+}
+
+void CSettings::setArrayIndex(int i)
+{
+    if (usingTemporarySettings())
+        overlay().setArrayIndex(i);
+    else
+        m_settings.setArrayIndex(i);
+}
+
+void CSettings::sync()
+{
+    if (usingTemporarySettings())
+        overlay().sync();
+    else
+        m_settings.sync();
+}
+
+bool CSettings::usingTemporarySettings() const
+{
+    return !m_persistentOnly && m_tempSettings;
+}
+
+void CSettings::logWhenTempSettingsDeleted()
+{
+    // During destroyed() the guarded pointer is empty already, or names another overlay by now.
+    const QString path = m_tempSettings && !sender() ? m_tempSettings->tempSettingsPath()
+                                                     : CTemporarySettings::lastDestroyedPath();
+    logLine('D', "Temporary settings file is to be destoyed: ", path);
+    logLine('D', "Persistent settings will be used");
+}
+
+void CSettings::setTemporarySettings(CTemporarySettings& settings)
+{
+    installTemporarySettings(&settings);
+}
+
+void CSettings::removeTemporarySettings()
+{
+    installTemporarySettings(nullptr);
+}
+
+void CSettings::installTemporarySettings(CTemporarySettings* settings)
+{
+    m_tempSettings = settings;
+    if (!settings)
+        logLine('D', "Info: settings are now stored in system");
+    else
+        logLine('D', "Info: settings are now stored in file: ", settings->tempSettingsPath());
+}
+
+QSettings& CSettings::overlay() const
+{
+    return *m_tempSettings->m_settings;
+}
+
+QString CSettings::localKey(const QString& key) const
+{
+    return m_group.isEmpty() ? key : QStringLiteral("%1/%2").arg(m_group, key);
+}
+
+} // namespace VEK_NAMESPACE

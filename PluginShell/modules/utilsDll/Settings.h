@@ -1,0 +1,94 @@
+#pragma once
+
+#include "UtilsDllGlobal.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QSettings>
+#include <QString>
+#include <QVariant>
+
+namespace VEK_NAMESPACE {
+
+class CTemporarySettings;
+
+/// The one way to persisted values: a QSettings on the product's settings file, with a throw-away
+/// overlay for the whole process.
+///
+/// While a CTemporarySettings is installed, all operations of all objects but the persistent-only
+/// ones go to its file, also those of objects that already exist; when it dies they come back. An
+/// object is cheap to make, meant for the stack and for one thread; objects on several threads may
+/// share a file. Nothing reports a failure: an unreadable file gives defaults, writes to an
+/// unwritable one are lost. Writes reach the persistent file when the object is destroyed, or
+/// earlier; the overlay's at once.
+class UTILSDLL_EXPORT CSettings : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The product's settings file. With \a persistentOnly the overlay is ignored. \a parent
+    /// becomes the parent of the inner QSettings, not of this object, which its owner always has to
+    /// destroy.
+    explicit CSettings(QObject* parent = nullptr, bool persistentOnly = false);
+
+    /// The product's settings file, whatever the \a scope.
+    explicit CSettings(QSettings::Scope scope, QObject* parent = nullptr);
+
+    /// A file of its own, redirected to the overlay all the same.
+    CSettings(const QString& fileName, QSettings::Format format, QObject* parent = nullptr);
+
+    ~CSettings() override;
+
+    /// Under an overlay value() takes the key as it stands, whereas setValue(), contains() and
+    /// remove() put the open group before it; in the persistent store all of them follow QSettings.
+    QVariant value(const QString& key, const QVariant& defaultValue = QVariant()) const;
+    void setValue(const QString& key, const QVariant& value);
+    bool contains(const QString& key) const;
+    void remove(const QString& key);
+
+    /// Under an overlay groups don't nest: a second beginGroup() replaces the first, and endGroup()
+    /// leaves none.
+    void beginGroup(const QString& prefix);
+    void endGroup();
+    QString group() const;
+
+    int beginReadArray(const QString& prefix);
+    void beginWriteArray(const QString& prefix, int size = -1);
+    void endArray();
+    void setArrayIndex(int i);
+
+    void sync();
+
+    /// Whether this object's next operation goes to the overlay.
+    bool usingTemporarySettings() const;
+
+    /// Logs the end of the overlay, as an object built under one does by itself, if the overlay is
+    /// there now. The constructors make this connection already.
+    void connectSlots();
+    void logWhenTempSettingsDeleted();
+
+    /// Installs the overlay for the process, and logs it. The caller keeps \a settings. Not to be
+    /// called while another thread uses settings.
+    ///
+    /// A null reference removes the overlay; a source file that does this has to be compiled with
+    /// -fno-delete-null-pointer-checks. removeTemporarySettings() needs no such care.
+    static void setTemporarySettings(CTemporarySettings& settings);
+
+    /// Removes the overlay, as setTemporarySettings() with a null reference does.
+    static void removeTemporarySettings();
+
+private:
+    void detachFromDyingParent(QObject* parent);
+    QSettings& overlay() const;
+    QString localKey(const QString& key) const;
+
+    static void installTemporarySettings(CTemporarySettings* settings);
+
+    QSettings m_settings;
+    QString m_group;
+    bool m_persistentOnly = false;
+
+    static QPointer<CTemporarySettings> m_tempSettings;
+};
+
+} // namespace VEK_NAMESPACE

@@ -1,0 +1,5 @@
+#include "UtilsDllGlobal.h"
+
+#include "CommonConstants.h"
+
+void fakeCoverageThreadSafeObjectFunction() {}

@@ -1,0 +1,31 @@
+# Library, headers, CMake package and pkg-config file.
+
+include(CMakePackageConfigHelpers)
+
+set(UTILSDLL_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/UtilsDllkrnv3)
+set(UTILSDLL_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/UtilsDllkrnv3)
+
+install(TARGETS UtilsDllkrnv3 EXPORT UtilsDllkrnv3Targets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    FILE_SET HEADERS DESTINATION ${UTILSDLL_INCLUDE_DIR}
+    INCLUDES DESTINATION ${UTILSDLL_INCLUDE_DIR})
+install(EXPORT UtilsDllkrnv3Targets
+    NAMESPACE UtilsDll::
+    DESTINATION ${UTILSDLL_PACKAGE_DIR})
+
+configure_package_config_file(cmake/UtilsDllkrnv3Config.cmake.in
+    ${PROJECT_BINARY_DIR}/UtilsDllkrnv3Config.cmake
+    INSTALL_DESTINATION ${UTILSDLL_PACKAGE_DIR})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/UtilsDllkrnv3ConfigVersion.cmake
+    COMPATIBILITY SameMajorVersion)
+install(FILES
+    ${PROJECT_BINARY_DIR}/UtilsDllkrnv3Config.cmake
+    ${PROJECT_BINARY_DIR}/UtilsDllkrnv3ConfigVersion.cmake
+    DESTINATION ${UTILSDLL_PACKAGE_DIR})
+
+# The pkg-config file finds its prefix from its own place, so that an install tree can be moved.
+file(RELATIVE_PATH UTILSDLL_PC_PREFIX
+    /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+configure_file(cmake/UtilsDllkrnv3.pc.in ${PROJECT_BINARY_DIR}/UtilsDllkrnv3.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/UtilsDllkrnv3.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
