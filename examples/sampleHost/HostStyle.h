@@ -1,0 +1,6 @@
+#pragma once
+
+class QApplication;
+
+/// Gives the sample host the product's dark ground and quiet text.
+void applyHostStyle(QApplication& application);
