@@ -11,8 +11,10 @@
 #include <QThreadStorage>
 #include <QTimerEvent>
 
+#include <algorithm>
 #include <array>
 #include <map>
+#include <utility>
 
 namespace {
 
@@ -46,10 +48,18 @@ private:
     /// a dead one, whose node is still there.
     Methods::const_iterator pendingCall(Objects::const_reference node, const char* method) const;
 
-    void forgetTimer(QObject* object, int timerId);
+    methodData& insertCall(int timerId, QObject* object);
+    void eraseCall(Methods::const_iterator call);
+    Objects::const_iterator eraseNode(Objects::const_iterator node);
+    void eraseNode(QObject* object, int timerId);
 
     Methods m_methods; ///< by timer
     Objects m_objects; ///< timers by the target's address, which is a search key only
+
+    // What the last call to end leaves serves the next one, so that a burst of requests neither
+    // allocates nor counts references.
+    Methods::node_type m_spareMethod;
+    Objects::node_type m_spareObject;
 };
 
 void callMethod(QObject* target, const char* method, const QList<QVariant>& args)
@@ -81,8 +91,12 @@ void CDelayedInvoker::invoke(int delay, QObject* object, const char* method, boo
     if (timerId <= 0)
         return;
 
-    m_methods.emplace(timerId, methodData{object, method, bSingleShot, args});
-    m_objects.emplace(object, timerId);
+    methodData& call = insertCall(timerId, object);
+    if (call.target != object)
+        call.target = object;
+    call.method = method;
+    call.bSingleShot = bSingleShot;
+    call.args = args;
 }
 
 void CDelayedInvoker::discard(QObject* object, const char* method)
@@ -90,16 +104,16 @@ void CDelayedInvoker::discard(QObject* object, const char* method)
     if (!object || m_objects.empty())
         return;
 
-    auto [node, end] = m_objects.equal_range(object);
-    while (node != end) {
+    Objects::const_iterator node = m_objects.lower_bound(object);
+    while (node != m_objects.end() && node->first == object) {
         const auto call = pendingCall(*node, method);
         if (call == m_methods.end()) {
             ++node;
             continue;
         }
         killTimer(node->second);
-        node = m_objects.erase(node);
-        m_methods.erase(call);
+        node = eraseNode(node);
+        eraseCall(call);
         if (method)
             return;
     }
@@ -127,8 +141,8 @@ void CDelayedInvoker::timerEvent(QTimerEvent* event)
     const methodData call = entry->second;
     if (call.bSingleShot) {
         // Before the invocation, so that the method may request itself again.
-        m_methods.erase(entry);
-        forgetTimer(call.target, timerId);
+        eraseCall(entry);
+        eraseNode(call.target, timerId);
     }
 
     if (call.target) {
@@ -155,15 +169,42 @@ CDelayedInvoker::Methods::const_iterator CDelayedInvoker::pendingCall(Objects::c
     return call;
 }
 
-void CDelayedInvoker::forgetTimer(QObject* object, int timerId)
+CDelayedInvoker::methodData& CDelayedInvoker::insertCall(int timerId, QObject* object)
+{
+    if (m_spareObject) {
+        m_spareObject.key() = object;
+        m_spareObject.mapped() = timerId;
+        m_objects.insert(std::move(m_spareObject));
+    } else {
+        m_objects.emplace(object, timerId);
+    }
+
+    if (!m_spareMethod)
+        return m_methods[timerId];
+    m_spareMethod.key() = timerId;
+    return m_methods.insert(std::move(m_spareMethod)).position->second;
+}
+
+void CDelayedInvoker::eraseCall(Methods::const_iterator call)
+{
+    m_spareMethod = m_methods.extract(call);
+    m_spareMethod.mapped().args.clear();
+}
+
+CDelayedInvoker::Objects::const_iterator CDelayedInvoker::eraseNode(Objects::const_iterator node)
+{
+    const Objects::const_iterator next = std::next(node);
+    m_spareObject = m_objects.extract(node);
+    return next;
+}
+
+void CDelayedInvoker::eraseNode(QObject* object, int timerId)
 {
     const auto [begin, end] = m_objects.equal_range(object);
-    for (auto node = begin; node != end; ++node) {
-        if (node->second == timerId) {
-            m_objects.erase(node);
-            return;
-        }
-    }
+    const auto node =
+        std::find_if(begin, end, [timerId](const auto& n) { return n.second == timerId; });
+    if (node != end)
+        eraseNode(node);
 }
 
 } // namespace
@@ -176,16 +217,16 @@ public:
     {
         if (!object || !method)
             return;
-        if (!invokerOfThread())
-            m_invokers.setLocalData(new CDelayedInvoker);
-        invokerOfThread()->invoke(delay, object, method, bSingleShot, args);
+        CDelayedInvoker* invoker = invokerOfThread();
+        if (!invoker) {
+            invoker = new CDelayedInvoker;
+            m_invokers.setLocalData(invoker);
+        }
+        invoker->invoke(delay, object, method, bSingleShot, args);
     }
 
     /// Null if the thread has requested no call yet.
-    CDelayedInvoker* invokerOfThread()
-    {
-        return m_invokers.hasLocalData() ? m_invokers.localData() : nullptr;
-    }
+    CDelayedInvoker* invokerOfThread() { return m_invokers.localData(); }
 
     static pimpl& instance() { return *Singleton<CDelayedCall>::instance().m_pimpl; }
 
