@@ -30,6 +30,7 @@ void PictureView::setPicture(const QImage& picture)
 {
     m_picture = picture;
     renderPreview();
+    Q_EMIT pictureChanged();
 }
 
 int PictureView::pictureWidth() const
@@ -69,8 +70,11 @@ bool PictureView::isGridVisible() const
 
 void PictureView::setGridVisible(bool visible)
 {
+    if (m_gridVisible == visible)
+        return;
     m_gridVisible = visible;
     update();
+    Q_EMIT gridVisibleChanged(m_gridVisible);
 }
 
 void PictureView::setGridSize(int fields)

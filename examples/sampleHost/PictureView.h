@@ -10,9 +10,9 @@ class PictureView : public QWidget
 {
     Q_OBJECT
     Q_PROPERTY(double angle READ angle WRITE setAngle NOTIFY angleChanged)
-    Q_PROPERTY(bool gridVisible READ isGridVisible WRITE setGridVisible)
-    Q_PROPERTY(int pictureWidth READ pictureWidth)
-    Q_PROPERTY(int pictureHeight READ pictureHeight)
+    Q_PROPERTY(bool gridVisible READ isGridVisible WRITE setGridVisible NOTIFY gridVisibleChanged)
+    Q_PROPERTY(int pictureWidth READ pictureWidth NOTIFY pictureChanged)
+    Q_PROPERTY(int pictureHeight READ pictureHeight NOTIFY pictureChanged)
 
 public:
     explicit PictureView(QWidget* parent = nullptr);
@@ -37,6 +37,8 @@ public:
     QSize sizeHint() const override;
 
 Q_SIGNALS:
+    void pictureChanged();
+    void gridVisibleChanged(bool visible);
     void angleChanged(double degrees);
 
 protected:

@@ -126,40 +126,27 @@ QString CSettings::group() const
 
 int CSettings::beginReadArray(const QString& prefix)
 {
-    return usingTemporarySettings() ? overlay().beginReadArray(prefix)
-                                    : m_settings.beginReadArray(prefix);
+    return store().beginReadArray(prefix);
 }
 
 void CSettings::beginWriteArray(const QString& prefix, int size)
 {
-    if (usingTemporarySettings())
-        overlay().beginWriteArray(prefix, size);
-    else
-        m_settings.beginWriteArray(prefix, size);
+    store().beginWriteArray(prefix, size);
 }
 
 void CSettings::endArray()
 {
-    if (usingTemporarySettings())
-        overlay().endArray();
-    else
-        m_settings.endArray();
+    store().endArray();
 }
 
 void CSettings::setArrayIndex(int i)
 {
-    if (usingTemporarySettings())
-        overlay().setArrayIndex(i);
-    else
-        m_settings.setArrayIndex(i);
+    store().setArrayIndex(i);
 }
 
 void CSettings::sync()
 {
-    if (usingTemporarySettings())
-        overlay().sync();
-    else
-        m_settings.sync();
+    store().sync();
 }
 
 bool CSettings::usingTemporarySettings() const
@@ -193,6 +180,11 @@ void CSettings::installTemporarySettings(CTemporarySettings* settings)
         logLine('D', "Info: settings are now stored in system");
     else
         logLine('D', "Info: settings are now stored in file: ", settings->tempSettingsPath());
+}
+
+QSettings& CSettings::store()
+{
+    return usingTemporarySettings() ? overlay() : m_settings;
 }
 
 QSettings& CSettings::overlay() const

@@ -79,6 +79,7 @@ public:
 
 private:
     void detachFromDyingParent(QObject* parent);
+    QSettings& store();
     QSettings& overlay() const;
     QString localKey(const QString& key) const;
 

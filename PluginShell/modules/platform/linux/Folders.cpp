@@ -8,7 +8,7 @@ namespace Platform {
 
 QString systemFolder()
 {
-    const QString siteFolder = QStringLiteral(VEK_SYSTEM_FOLDER);
+    const QString siteFolder = QString::fromUtf8(VEK_SYSTEM_FOLDER);
     if (!siteFolder.isEmpty())
         return siteFolder + QLatin1Char('/');
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
