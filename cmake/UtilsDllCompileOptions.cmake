@@ -18,6 +18,10 @@ endif()
 # Removing the settings overlay passes the address of a null reference, which compilers otherwise
 # take for impossible. Each source file that receives or makes such a reference is built with this.
 function(utilsdll_allow_null_reference target)
+    set(options -fno-delete-null-pointer-checks)
+    if(UTILSDLL_SANITIZER)
+        list(APPEND options -fno-sanitize=null)
+    endif()
     set_source_files_properties(${ARGN} TARGET_DIRECTORY ${target} PROPERTIES
-        COMPILE_OPTIONS "-fno-delete-null-pointer-checks;$<$<BOOL:${UTILSDLL_SANITIZER}>:-fno-sanitize=null>")
+        COMPILE_OPTIONS "${options}")
 endfunction()

@@ -2,9 +2,10 @@
 
 #include "Logger.h"
 
-#include <QMutex>
 #include <QString>
 #include <QStringList>
+
+#include <mutex>
 
 /// Keeps what it is told, as "<level> <text>". It is g_logger while it lives.
 class RecordingLogger : public VEK_NAMESPACE::ILoggerInterface
@@ -17,7 +18,7 @@ public:
 
     void log(char level, const char* text) override
     {
-        const QMutexLocker locker(&m_mutex);
+        const std::lock_guard<std::mutex> lock(m_mutex);
         m_lines << QString(QLatin1Char(level)) + QLatin1Char(' ') + QString::fromUtf8(text);
     }
 
@@ -28,13 +29,13 @@ public:
 
     QStringList takeLines()
     {
-        const QMutexLocker locker(&m_mutex);
+        const std::lock_guard<std::mutex> lock(m_mutex);
         QStringList lines;
         lines.swap(m_lines);
         return lines;
     }
 
 private:
-    QMutex m_mutex;
+    std::mutex m_mutex;
     QStringList m_lines;
 };

@@ -20,7 +20,7 @@ const QString& settingsFilePath()
         const QString path = Platform::systemFolder() + QStringLiteral("Data.plist");
         const QSettings keepParsed{path, QSettings::NativeFormat};
     };
-    // Never destroyed: destructors that run at exit may still read settings.
+    // Never destroyed: later destructors of singletons may still read settings.
     static const SettingsFile& file = *new SettingsFile;
     return file.path;
 }

@@ -1,0 +1,6 @@
+#include "CommonConstantsElsewhere.h"
+
+QVector<const QString*> commonConstantsElsewhere()
+{
+    return commonConstantsHere();
+}
