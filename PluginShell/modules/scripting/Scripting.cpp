@@ -71,7 +71,7 @@ CScripting::~CScripting() = default;
 void CScripting::setPathToScript(const QString& path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (path.isEmpty() || !file.open(QIODevice::ReadOnly))
         return;
     m_script = QString::fromUtf8(file.readAll().constData());
     file.close();

@@ -13,8 +13,8 @@ UTILSDLL_EXPORT void fakeCoverageThreadSafeObjectFunction();
 
 /// \name The library's resource trees
 /// Both trees are registered when the library is loaded: ":/translations/" with the messages, and
-/// ":/" with style sheets and the product's data. Registering again changes nothing; a clean-up takes
-/// the tree away for everybody. All four return 1. GUI thread.
+/// ":/" with style sheets and the product's data. Registering again changes nothing; a clean-up
+/// takes the tree away for everybody. All four return 1. GUI thread.
 /// @{
 UTILSDLL_EXPORT int qInitResources_translations();
 UTILSDLL_EXPORT int qCleanupResources_translations();
