@@ -398,15 +398,17 @@ void tst_Scripting::aScriptThatCannotBeReadChangesNothing_data()
     QTest::newRow("a missing file") << "missing.js";
     QTest::newRow("a folder") << "folder.js";
     QTest::newRow("a file in a missing folder") << "missing/other.js";
+    QTest::newRow("no name at all") << "";
 }
 
 void tst_Scripting::aScriptThatCannotBeReadChangesNothing()
 {
     QFETCH(QString, name);
     QVERIFY(QDir().mkdir(path("folder.js")));
+    const QString unreadable = name.isEmpty() ? QString() : m_folder->filePath(name);
 
     CScripting scripting;
-    scripting.setPathToScript(m_folder->filePath(name));
+    scripting.setPathToScript(unreadable);
     QVERIFY(!scripting.isScriptingMode());
     QCOMPARE(scripting.testName(), QString());
     QCOMPARE(QDir(m_folder->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
@@ -414,7 +416,7 @@ void tst_Scripting::aScriptThatCannotBeReadChangesNothing()
 
     scripting.setPathToScript(writeScript("test.js"));
     scripting.log("before");
-    scripting.setPathToScript(m_folder->filePath(name));
+    scripting.setPathToScript(unreadable);
     scripting.log("after");
     QVERIFY(scripting.isScriptingMode());
     QCOMPARE(scripting.testName(), QStringLiteral("test"));
