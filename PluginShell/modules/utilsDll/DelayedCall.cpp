@@ -49,7 +49,7 @@ private:
     Methods::const_iterator pendingCall(Objects::const_reference node, const char* method) const;
 
     methodData& insertCall(int timerId, QObject* object);
-    void eraseCall(Methods::const_iterator call);
+    QList<QVariant> eraseCall(Methods::const_iterator call);
     Objects::const_iterator eraseNode(Objects::const_iterator node);
     void eraseNode(QObject* object, int timerId);
 
@@ -104,6 +104,7 @@ void CDelayedInvoker::discard(QObject* object, const char* method)
     if (!object || m_objects.empty())
         return;
 
+    QList<QVariant> discardedArgs;
     Objects::const_iterator node = m_objects.lower_bound(object);
     while (node != m_objects.end() && node->first == object) {
         const auto call = pendingCall(*node, method);
@@ -113,7 +114,7 @@ void CDelayedInvoker::discard(QObject* object, const char* method)
         }
         killTimer(node->second);
         node = eraseNode(node);
-        eraseCall(call);
+        discardedArgs += eraseCall(call);
         if (method)
             return;
     }
@@ -185,10 +186,14 @@ CDelayedInvoker::methodData& CDelayedInvoker::insertCall(int timerId, QObject* o
     return m_methods.insert(std::move(m_spareMethod)).position->second;
 }
 
-void CDelayedInvoker::eraseCall(Methods::const_iterator call)
+/// Returns the arguments, to be let go when all is in order again: their destructors may come back
+/// here.
+QList<QVariant> CDelayedInvoker::eraseCall(Methods::const_iterator call)
 {
     m_spareMethod = m_methods.extract(call);
-    m_spareMethod.mapped().args.clear();
+    QList<QVariant> args;
+    args.swap(m_spareMethod.mapped().args);
+    return args;
 }
 
 CDelayedInvoker::Objects::const_iterator CDelayedInvoker::eraseNode(Objects::const_iterator node)

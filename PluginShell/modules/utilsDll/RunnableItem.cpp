@@ -31,13 +31,15 @@ void CQRunnableItem::run()
     if (bEmitSignals)
         Q_EMIT started();
 
+    // Once no thread is inside it, an item that emits nothing may be gone.
+    const bool bEmitFinished = bEmitSignals;
     bool bOk = false;
     {
         const RunningScope running(*this);
         bOk = doRun();
     }
 
-    if (bEmitSignals)
+    if (bEmitFinished)
         Q_EMIT finished(bOk, stopRequired());
 }
 
