@@ -62,7 +62,7 @@ void tst_RunFiles::with_a_report_folder_the_script_is_copied_there()
     QCOMPARE(QDir(path("source")).entryList(QDir::Files), QStringList(QStringLiteral("case.js")));
     QCOMPARE(QDir(path("deep/reports")).entryList(QDir::Files, QDir::Name),
              QStringList({QStringLiteral("case.js"), QStringLiteral("caseReport.txt")}));
-    QCOMPARE(readLines(path("deep/reports/caseReport.txt")).last(), QStringLiteral("PASS"));
+    QCOMPARE(readLines(path("deep/reports/caseReport.txt")).constLast(), QStringLiteral("PASS"));
 }
 
 void tst_RunFiles::a_run_never_touches_the_users_settings()

@@ -583,6 +583,7 @@ void tst_Scripting::noLineIsLostBetweenThreads()
     scripting.setPathToScript(writeScript("test.js"));
 
     std::vector<std::thread> threads;
+    threads.reserve(threadCount);
     for (int t = 0; t < threadCount; ++t) {
         threads.emplace_back([&scripting, t] {
             for (int i = 0; i < lineCount; ++i)
@@ -713,14 +714,14 @@ void tst_Scripting::aRunRaisesItsSignalsInOrder()
 {
     CScripting scripting;
     QStringList raised;
-    const auto note = [&](void (CScripting::*signal)(), const char* name) {
-        connect(&scripting, signal, this, [&raised, name] { raised << QString::fromLatin1(name); });
+    const auto note = [&raised](const char* name) {
+        return [&raised, name] { raised << QString::fromLatin1(name); };
     };
-    note(&CScripting::testFinished, "testFinished");
-    note(&CScripting::cleanupTest, "cleanupTest");
-    note(&CScripting::startTest, "startTest");
-    note(&CScripting::initializeTest, "initializeTest");
-    note(&CScripting::exceptionInTest, "exceptionInTest");
+    connect(&scripting, &CScripting::testFinished, this, note("testFinished"));
+    connect(&scripting, &CScripting::cleanupTest, this, note("cleanupTest"));
+    connect(&scripting, &CScripting::startTest, this, note("startTest"));
+    connect(&scripting, &CScripting::initializeTest, this, note("initializeTest"));
+    connect(&scripting, &CScripting::exceptionInTest, this, note("exceptionInTest"));
     QByteArray entriesAtEnd;
     connect(&scripting, &CScripting::testFinished, this,
             [&] { entriesAtEnd = readEntries(path("testReport.txt")); });

@@ -18,9 +18,11 @@
 #include <pthread.h>
 #include <sanitizer/tsan_interface.h>
 
+#include <cerrno>
 #include <condition_variable>
 #include <map>
 #include <mutex>
+#include <new>
 
 namespace {
 
@@ -112,7 +114,9 @@ extern "C" int pthread_create(pthread_t* id, const pthread_attr_t* attributes,
     static Create* const create = next<Create>("pthread_create");
 
     // Every thread comes through here, but only a QThread is waited for by its argument.
-    auto* const start = new Start{routine, argument};
+    auto* const start = new (std::nothrow) Start{routine, argument};
+    if (!start)
+        return EAGAIN;
     RunningThreads::instance().add(argument);
     const int error = create(id, attributes, runThread, start);
     if (error) {

@@ -4,10 +4,8 @@
 
 #include <QVector>
 
-namespace {
-
 /// The constants of the source file that includes this, in the order of their table.
-inline QVector<const QString*> commonConstantsHere()
+static QVector<const QString*> commonConstantsHere()
 {
     using namespace VEK_NAMESPACE;
     return {&g_appTitle,
@@ -33,8 +31,6 @@ inline QVector<const QString*> commonConstantsHere()
             &g_ImageSizeUnits,
             &g_settingsFocusNumber};
 }
-
-} // namespace
 
 /// The same of another source file.
 QVector<const QString*> commonConstantsElsewhere();

@@ -249,8 +249,10 @@ void tst_Assertions::theyAreSingleStatements()
 void tst_Assertions::failuresOnSeveralThreadsAreAllLogged()
 {
     RecordingLogger logger;
+    const int threadCount = 4;
     std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
+    threads.reserve(threadCount);
+    for (int i = 0; i < threadCount; ++i) {
         threads.emplace_back([] {
             for (int j = 0; j < 100; ++j)
                 ASSERT_X(false, "from a thread");

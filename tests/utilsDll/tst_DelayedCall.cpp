@@ -23,15 +23,16 @@
 #include <type_traits>
 #include <vector>
 
-namespace {
-
-/// Long enough never to come during a test.
-constexpr int never = 600000;
-
+/// Stands at global scope, as moc wants the full names of argument types.
 struct Tracked
 {
     QSharedPointer<int> token;
 };
+
+namespace {
+
+/// Long enough never to come during a test.
+constexpr int never = 600000;
 
 /// Keeps the arguments of its calls. Touch it on its own thread only.
 class Receiver : public QObject
@@ -166,7 +167,8 @@ public:
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         QCoreApplication::instance()->removeEventFilter(this);
         m_ticks.clear();
-        for (const auto& timer : timers())
+        const auto oldTimers = timers();
+        for (const auto& timer : oldTimers)
             m_oldTimers << timer.timerId;
     }
 
@@ -807,7 +809,7 @@ void tst_DelayedCall::deadTargetOfARepeatingCallKeepsTheTimer()
     CDelayedCall::invoke(20, receiver, "record", false);
     receiver->~Receiver();
     QCOMPARE(finder.timers().size(), 1);
-    const int timer = finder.timers().first().timerId;
+    const int timer = finder.timers().at(0).timerId;
 
     finder.watch();
     QTRY_VERIFY(finder.ticks(timer) >= 2);
@@ -864,7 +866,7 @@ void tst_DelayedCall::repeatingCallOfAnUnknownMethodFailsAgain()
     ignoreNoSuchMethod("missing()");
     ignoreNoSuchMethod("missing()");
     CDelayedCall::invoke(1, &receiver, "missing", false);
-    const int timer = finder.timers().first().timerId;
+    const int timer = finder.timers().at(0).timerId;
     // The tick is seen before it is served.
     finder.onTick = [&](int timerId, int ticks) {
         if (timerId == timer && ticks == 3)
@@ -918,8 +920,9 @@ void tst_DelayedCall::oneCoarseTimerPerPendingCall()
     CDelayedCall::invoke(5000, &one, "other", true);
     CDelayedCall::invoke(5000, &two, "record", false);
     CDelayedCall::invoke(5000, &two, "record", true);
-    QCOMPARE(finder.timers().size(), 3);
-    for (const auto& timer : finder.timers()) {
+    const auto timers = finder.timers();
+    QCOMPARE(timers.size(), 3);
+    for (const auto& timer : timers) {
         QCOMPARE(timer.timerType, Qt::CoarseTimer);
         QCOMPARE(timer.interval, 5000);
     }
@@ -936,7 +939,7 @@ void tst_DelayedCall::timerDiesAfterTheInvocation()
     const InvokerFinder finder;
     Receiver receiver;
     CDelayedCall::invoke(0, &receiver, "record", true);
-    const int timer = finder.timers().first().timerId;
+    const int timer = finder.timers().at(0).timerId;
     QList<QAbstractEventDispatcher::TimerInfo> inside;
     receiver.onCall = [&] { inside = finder.timers(); };
     QTRY_COMPARE(receiver.calls.size(), 1);
@@ -950,7 +953,7 @@ void tst_DelayedCall::lateTickWithoutACallIsIgnored()
     const InvokerFinder finder;
     Receiver receiver;
     CDelayedCall::invoke(never, &receiver, "record", true);
-    const int timer = finder.timers().first().timerId;
+    const int timer = finder.timers().at(0).timerId;
     QTimerEvent tick(timer);
     QTimerEvent strange(timer + 100000);
     int messages = -1;
@@ -1067,6 +1070,7 @@ void tst_DelayedCall::manyThreadsAtOnce()
     std::atomic<int> ready{0};
     std::atomic<int> calls{0};
     std::vector<std::thread> threads;
+    threads.reserve(threadCount);
     for (int i = 0; i < threadCount; ++i) {
         threads.emplace_back([&] {
             QEventLoop loop;

@@ -1,5 +1,5 @@
 // The parts that no request can reach: the source itself, so that its private class is at hand.
-#include "DelayedCall.cpp"
+#include "DelayedCall.cpp" // NOLINT(bugprone-suspicious-include)
 
 #include "RecordingLogger.h"
 

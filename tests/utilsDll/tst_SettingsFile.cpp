@@ -94,7 +94,7 @@ int readAndWrite(const QString& key)
 
 int runCommand(const QStringList& arguments)
 {
-    const QString command = arguments.at(1);
+    const QString& command = arguments.at(1);
     const QString key = arguments.value(2);
     if (command == QLatin1String("--read")) {
         print(read(key));
@@ -105,8 +105,9 @@ int runCommand(const QStringList& arguments)
         return 0;
     }
     if (command == QLatin1String("--write-plainly")) {
-        QSettings(QFile::decodeName(qgetenv("XDG_CONFIG_HOME") + place), QSettings::NativeFormat)
-            .setValue(key, arguments.value(3));
+        QSettings settings(QFile::decodeName(qgetenv("XDG_CONFIG_HOME") + place),
+                           QSettings::NativeFormat);
+        settings.setValue(key, arguments.value(3));
         return 0;
     }
     if (command == QLatin1String("--read-and-write"))

@@ -21,6 +21,7 @@ namespace {
 void runOnThreads(int count, const std::function<void()>& work)
 {
     std::vector<std::thread> threads;
+    threads.reserve(std::size_t(count));
     for (int i = 0; i < count; ++i)
         threads.emplace_back(work);
     for (std::thread& thread : threads)

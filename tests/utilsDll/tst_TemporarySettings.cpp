@@ -140,7 +140,7 @@ void tst_TemporarySettings::initTestCase()
 void tst_TemporarySettings::theFileLiesInAFolderOfItsOwn()
 {
     const CTemporarySettings settings(nullptr);
-    const QString path = settings.tempSettingsPath();
+    const QString& path = settings.tempSettingsPath();
     const QRegularExpression form(
         QStringLiteral(
             "^%1/\\{[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}\\}\\.?[A-Za-z0-9]*/krnv3\\.ini$")
