@@ -1,5 +1,7 @@
 #include "AcceptanceRun.h"
 
+#include "MessageBox.h"
+#include "NativeDialogs.h"
 #include "Scripting.h"
 #include "Settings.h"
 #include "Watchdog.h"
@@ -8,10 +10,12 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QWidget>
 
 #include <cstdio>
 #include <cstdlib>
 
+using VEK_NAMESPACE::CNativeDialogs;
 using VEK_NAMESPACE::CScripting;
 using VEK_NAMESPACE::CSettings;
 
@@ -73,12 +77,17 @@ QString AcceptanceRun::errorMessage() const
     return m_errorMessage;
 }
 
-void AcceptanceRun::start()
+void AcceptanceRun::start(QWidget* mainWindow)
 {
     // A script may close the last window and still has its verdict to come.
     QApplication::setQuitOnLastWindowClosed(false);
 
     CScripting& scripting = Singleton<CScripting>::instance();
+    scripting.makeObjectScriptable(mainWindow->objectName(), mainWindow);
+    scripting.makeObjectScriptable(QStringLiteral("nativeDialogs"),
+                                   &Singleton<CNativeDialogs>::instance());
+    CMessageBox::initializeScripting();
+
     connect(&scripting, &CScripting::testFinished, qApp, &QCoreApplication::quit);
     if (m_options.timeOutMs > 0) {
         m_watchdog = std::make_unique<Watchdog>(

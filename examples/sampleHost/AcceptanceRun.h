@@ -7,6 +7,7 @@
 
 #include <memory>
 
+class QWidget;
 class Watchdog;
 
 /// One acceptance test in this process: settings that go with the run, the script, its report and
@@ -40,9 +41,9 @@ public:
     bool load();
     QString errorMessage() const;
 
-    /// Lets the script start once the event loop runs; the application quits when the test has
-    /// ended.
-    void start();
+    /// Gives the script its globals and lets it start once the event loop runs; the application
+    /// quits when the test has ended.
+    void start(QWidget* mainWindow);
 
     /// How the test went; to be asked when the event loop has ended.
     ExitStatus exitStatus() const;

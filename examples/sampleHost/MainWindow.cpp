@@ -1,18 +1,34 @@
 #include "MainWindow.h"
 
+#include "BusyBar.h"
 #include "CommonConstants.h"
+#include "CorrectionHistory.h"
+#include "CorrectionJob.h"
+#include "DelayedCall.h"
+#include "HostStyle.h"
+#include "MessageBox.h"
+#include "Named.h"
+#include "NativeDialogs.h"
+#include "PictureFile.h"
 #include "PictureView.h"
+#include "PreferencesDialog.h"
+#include "Scripting.h"
 #include "Settings.h"
+#include "ToolPanel.h"
 
+#include <QAction>
 #include <QCheckBox>
+#include <QCloseEvent>
+#include <QDir>
 #include <QFileInfo>
 #include <QFrame>
+#include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QImageReader>
 #include <QLabel>
-#include <QLocale>
+#include <QMenuBar>
 #include <QPainter>
 #include <QPushButton>
+#include <QScreen>
 #include <QSlider>
 #include <QStyle>
 #include <QVBoxLayout>
@@ -24,10 +40,19 @@ namespace {
 const char gridVisibleKey[] = "gridOverlay.visible";
 constexpr int defaultGridSize = 6;
 
+/// Moves by keys and wheel that come closer together are one undo step.
+constexpr int handRestsMs = 400;
+
+/// Heights of message boxes for one or two lines of text.
+constexpr int simpleBoxHeight = 165;
+constexpr int questionBoxHeight = 165;
+
 /// Shortens a long text in the middle, where it doesn't tell files apart.
 class ElidedLabel : public QLabel
 {
 protected:
+    QSize minimumSizeHint() const override { return {40, QLabel::minimumSizeHint().height()}; }
+
     void paintEvent(QPaintEvent* event) override
     {
         Q_UNUSED(event)
@@ -38,115 +63,423 @@ protected:
     }
 };
 
-template <typename W, typename... Args>
-W* named(const char* name, Args... args)
+/// The size in the unit that the user has chosen.
+QString imageSizeText(const QSize& size)
 {
-    W* widget = new W(args...);
-    widget->setObjectName(QLatin1String(name));
-    return widget;
+    struct Unit
+    {
+        const char* word;
+        double perInch; ///< 0 for pixels
+        int decimals;
+    };
+    static const Unit units[] = {{"px", 0.0, 0}, {"in", 1.0, 2}, {"cm", 2.54, 1}, {"mm", 25.4, 0}};
+    const int chosen = CSettings().value(g_ImageSizeUnits, 0).toInt();
+    const Unit& unit = units[chosen > 0 && chosen < 4 ? chosen : 0];
+
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    const auto text = [&unit](int pixels, double dpi) {
+        const double value = unit.perInch > 0.0 ? pixels * unit.perInch / dpi : pixels;
+        return QString::number(value, 'f', unit.decimals);
+    };
+    return QStringLiteral("%1 x %2 %3")
+        .arg(text(size.width(), int(screen->physicalDotsPerInchX())),
+             text(size.height(), int(screen->physicalDotsPerInchY())), QLatin1String(unit.word));
+}
+
+QAction* addNamedAction(QMenu* menu, const char* name, const QString& text,
+                        const QKeySequence& shortcut)
+{
+    QAction* action = menu->addAction(text);
+    action->setObjectName(QLatin1String(name));
+    action->setShortcut(shortcut);
+    return action;
+}
+
+/// Not every desktop has a key for every standard action.
+QKeySequence standardKey(QKeySequence::StandardKey key, const QKeySequence& otherwise)
+{
+    const QKeySequence sequence(key);
+    return sequence.isEmpty() ? otherwise : sequence;
 }
 
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent)
+    , m_history(new CorrectionHistory(this))
 {
     setObjectName(QStringLiteral("mainWindow"));
     setWindowTitle(g_appTitle);
 
     m_view = named<PictureView>("pictureView");
     m_view->setPlaceholder(tr("No picture"));
+    m_busyBar = new BusyBar;
+    m_panel = new ToolPanel;
 
-    QWidget* central = named<QWidget>("central");
+    auto* left = new QVBoxLayout;
+    left->setSpacing(0);
+    left->addWidget(createHeader());
+    left->addWidget(m_view, 1);
+
+    // Over the view, which so keeps its size.
+    auto* overView = new QVBoxLayout(m_view);
+    overView->setContentsMargins(0, 0, 0, 0);
+    overView->addStretch(1);
+    overView->addWidget(m_busyBar);
+
+    auto* central = named<QWidget>("central");
     auto* layout = new QHBoxLayout(central);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(m_view, 1);
-    layout->addWidget(createToolPanel());
+    layout->addLayout(left, 1);
+    layout->addWidget(m_panel);
     setCentralWidget(central);
 
+    createActions();
+    connectControls();
     restoreSettings();
+    showImageSize();
+    updateState();
 }
 
-QFrame* MainWindow::createToolPanel()
+QFrame* MainWindow::createHeader()
 {
+    m_openButton = named<QPushButton>("openButton", tr("Open…"));
     m_fileNameLabel = named<ElidedLabel>("fileNameLabel");
     m_imageSizeLabel = named<QLabel>("imageSizeLabel");
+    m_preferencesButton = named<QPushButton>("preferencesButton", tr("Preferences"));
+    m_aboutButton = named<QPushButton>("aboutButton", tr("About"));
 
-    m_angleLabel = named<QLabel>("angleLabel");
-    m_angleLabel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    m_horizonSlider = named<QSlider>("horizonSlider", Qt::Horizontal);
-    m_horizonSlider->setRange(-150, 150);
-    m_horizonSlider->setPageStep(10);
-    m_gridCheckBox = named<QCheckBox>("gridCheckBox", tr("Grid"));
-    auto* resetButton = named<QPushButton>("resetButton", tr("Reset"));
+    auto* description = new QVBoxLayout;
+    description->setSpacing(1);
+    description->addStretch(1);
+    description->addWidget(m_fileNameLabel);
+    description->addWidget(m_imageSizeLabel);
+    description->addStretch(1);
 
-    connect(m_horizonSlider, &QSlider::valueChanged, this, &MainWindow::showAngle);
-    connect(m_gridCheckBox, &QCheckBox::toggled, this, &MainWindow::showGrid);
-    connect(resetButton, &QPushButton::clicked, this, &MainWindow::resetCorrections);
-    showAngle(0);
-
-    auto* heading = new QHBoxLayout;
-    heading->addWidget(named<QLabel>("horizonTitle", tr("Horizon")));
-    heading->addWidget(m_angleLabel);
-
-    auto* panel = named<QFrame>("toolPanel");
-    panel->setFixedWidth(264);
-    auto* layout = new QVBoxLayout(panel);
-    layout->setContentsMargins(20, 24, 20, 20);
+    auto* header = named<QFrame>("header");
+    header->setFixedHeight(60);
+    auto* layout = new QHBoxLayout(header);
+    layout->setContentsMargins(32, 8, 20, 8);
     layout->setSpacing(8);
-    layout->addWidget(m_fileNameLabel);
-    layout->addWidget(m_imageSizeLabel);
-    layout->addSpacing(24);
-    layout->addLayout(heading);
-    layout->addWidget(m_horizonSlider);
-    layout->addSpacing(8);
-    layout->addWidget(m_gridCheckBox);
-    layout->addStretch(1);
-    layout->addWidget(resetButton);
-    return panel;
+    layout->addWidget(m_openButton);
+    layout->addSpacing(12);
+    layout->addLayout(description, 1);
+    layout->addWidget(m_preferencesButton);
+    layout->addWidget(m_aboutButton);
+    return header;
+}
+
+void MainWindow::createActions()
+{
+    QMenu* file = menuBar()->addMenu(tr("&File"));
+    m_openAction = addNamedAction(file, "actionOpen", tr("&Open…"), QKeySequence::Open);
+    m_saveAction = addNamedAction(file, "actionSave", tr("&Save…"), QKeySequence::Save);
+    m_exportAction =
+        addNamedAction(file, "actionExport", tr("&Export…"), QKeySequence(Qt::CTRL + Qt::Key_E));
+    file->addSeparator();
+    QAction* quit =
+        addNamedAction(file, "actionQuit", tr("&Quit"),
+                       standardKey(QKeySequence::Quit, QKeySequence(Qt::CTRL + Qt::Key_Q)));
+    quit->setMenuRole(QAction::QuitRole);
+
+    QMenu* edit = menuBar()->addMenu(tr("&Edit"));
+    m_undoAction = addNamedAction(edit, "actionUndo", tr("&Undo"), QKeySequence::Undo);
+    m_resetAction =
+        addNamedAction(edit, "actionReset", tr("&Reset"), QKeySequence(Qt::CTRL + Qt::Key_R));
+    edit->addSeparator();
+    QAction* preferences = addNamedAction(
+        edit, "actionPreferences", tr("&Preferences…"),
+        standardKey(QKeySequence::Preferences, QKeySequence(Qt::CTRL + Qt::Key_Comma)));
+    preferences->setMenuRole(QAction::PreferencesRole);
+
+    QMenu* view = menuBar()->addMenu(tr("&View"));
+    m_gridAction =
+        addNamedAction(view, "actionGrid", tr("&Grid"), QKeySequence(Qt::CTRL + Qt::Key_G));
+    m_gridAction->setCheckable(true);
+
+    QMenu* help = menuBar()->addMenu(tr("&Help"));
+    QAction* aboutAction = addNamedAction(help, "actionAbout", tr("&About"), QKeySequence());
+    aboutAction->setMenuRole(QAction::AboutRole);
+
+    connect(m_openAction, &QAction::triggered, this, &MainWindow::open);
+    connect(m_saveAction, &QAction::triggered, this, &MainWindow::save);
+    connect(m_exportAction, &QAction::triggered, this, &MainWindow::exportPicture);
+    connect(quit, &QAction::triggered, this, &QWidget::close);
+    connect(m_undoAction, &QAction::triggered, this, &MainWindow::undo);
+    connect(m_resetAction, &QAction::triggered, this, &MainWindow::reset);
+    connect(preferences, &QAction::triggered, this, &MainWindow::editPreferences);
+    connect(aboutAction, &QAction::triggered, this, &MainWindow::about);
+}
+
+void MainWindow::connectControls()
+{
+    connect(m_openButton, &QPushButton::clicked, this, &MainWindow::open);
+    connect(m_preferencesButton, &QPushButton::clicked, this, &MainWindow::editPreferences);
+    connect(m_aboutButton, &QPushButton::clicked, this, &MainWindow::about);
+    connect(m_panel->saveButton(), &QPushButton::clicked, this, &MainWindow::save);
+    connect(m_panel->exportButton(), &QPushButton::clicked, this, &MainWindow::exportPicture);
+    connect(m_panel->resetButton(), &QPushButton::clicked, this, &MainWindow::reset);
+    connect(m_panel->closeButton(), &QPushButton::clicked, this, &QWidget::close);
+    connect(m_busyBar, &BusyBar::busyChanged, this, &MainWindow::updateState);
+
+    connect(m_panel->gridCheckBox(), &QCheckBox::toggled, m_gridAction, &QAction::setChecked);
+    connect(m_gridAction, &QAction::toggled, m_panel->gridCheckBox(), &QCheckBox::setChecked);
+    connect(m_gridAction, &QAction::toggled, this, &MainWindow::showGrid);
+
+    connect(m_panel, &ToolPanel::titleChanged, this, &MainWindow::updateState);
+    connect(m_panel, &ToolPanel::correctionsChanged, this, &MainWindow::applyCorrections);
+
+    for (QSlider* slider : m_panel->sliders())
+        m_history->watch(slider, "value", slider->accessibleName());
+    m_history->watch(m_panel->autoCropCheckBox(), "checked", tr("Crop"));
+    connect(m_history, &CorrectionHistory::canUndoChanged, this, &MainWindow::updateState);
+    connect(&Singleton<CScripting>::instance(), &CScripting::createUndoCommandForSlider, this,
+            &MainWindow::recordUndoStep);
+    connect(m_panel->autoCropCheckBox(), &QCheckBox::clicked, this,
+            &MainWindow::recordHandMadeSteps);
+    connect(m_panel, &ToolPanel::sliderMoved, this, [this](bool atRest) {
+        if (atRest) {
+            recordHandMadeSteps();
+            return;
+        }
+        m_handMadeStep = true;
+        updateState();
+        CDelayedCall::invoke(handRestsMs, this, "recordHandMadeSteps", true);
+    });
 }
 
 void MainWindow::restoreSettings()
 {
     const CSettings settings;
     m_view->setGridSize(settings.value(g_gridOverlaySize, defaultGridSize).toInt());
-    m_gridCheckBox->setChecked(settings.value(QLatin1String(gridVisibleKey), false).toBool());
+    m_gridAction->setChecked(settings.value(QLatin1String(gridVisibleKey), false).toBool());
 }
 
 bool MainWindow::openPicture(const QString& path)
 {
-    const QString name = QFileInfo(path).fileName();
-    QImageReader reader(path);
-    reader.setAutoTransform(true);
-    const QImage picture = reader.read();
+    const QImage picture = readPicture(path);
     if (picture.isNull()) {
-        m_view->setPlaceholder(tr("Cannot open %1").arg(name));
+        m_view->setPlaceholder(tr("Cannot open %1").arg(QFileInfo(path).fileName()));
         return false;
     }
-
-    m_view->setPicture(picture);
-    m_fileNameLabel->setText(name);
-    m_fileNameLabel->setToolTip(name);
-    m_imageSizeLabel->setText(tr("%1 × %2 pixels").arg(picture.width()).arg(picture.height()));
-    setWindowTitle(QStringLiteral("%1 – %2").arg(name, g_appTitle));
+    showPicture(picture, path);
     return true;
 }
 
-void MainWindow::resetCorrections()
+void MainWindow::open()
 {
-    m_horizonSlider->setValue(0);
+    if (m_busyBar->isBusy())
+        return;
+    const QString path = Singleton<CNativeDialogs>::instance().getOpenFileName(
+        this, tr("Open a picture"), QFileInfo(m_path).absolutePath(), readablePicturesFilter());
+    if (path.isEmpty())
+        return;
+
+    QImage picture = readPicture(path);
+    if (picture.isNull()) {
+        CMessageBox::critical(this, tr("Cannot open %1").arg(QFileInfo(path).fileName()),
+                              simpleBoxHeight);
+        return;
+    }
+    if (!mayDiscardPicture())
+        return;
+    if (picture.height() > picture.width()
+        && CMessageBox::rotateQuestion(this, tr("Rotate the picture?"), questionBoxHeight)) {
+        const QString title = pictureTitle(picture);
+        picture = picture.transformed(QTransform().rotate(90.0));
+        picture.setText(QStringLiteral("Title"), title);
+    }
+    showPicture(picture, path);
 }
 
-void MainWindow::showAngle(int tenthsOfDegree)
+void MainWindow::showPicture(const QImage& picture, const QString& path)
 {
-    const double degrees = tenthsOfDegree / 10.0;
-    m_view->setAngle(degrees);
-    m_angleLabel->setText(QLocale().toString(degrees, 'f', 1) + QChar(0x00B0));
+    m_picture = picture;
+    m_path = path;
+    m_panel->setTitle(pictureTitle(picture));
+    m_panel->setCorrections(Corrections());
+    m_savedTitle = m_panel->title();
+    m_savedCorrections = m_panel->corrections();
+    m_handMadeStep = false;
+    m_history->restart();
+
+    m_view->setPicture(picture);
+    const QString name = QFileInfo(path).fileName();
+    m_fileNameLabel->setText(name);
+    m_fileNameLabel->setToolTip(name);
+    showImageSize();
+    setWindowTitle(QStringLiteral("%1[*] – %2").arg(name, g_appTitle));
+    updateState();
+}
+
+bool MainWindow::save()
+{
+    if (m_picture.isNull() || m_busyBar->isBusy())
+        return false;
+    const QFileInfo file(m_path);
+    const QString proposal = file.absoluteDir().filePath(
+        file.completeBaseName() + QStringLiteral("-corrected.") + file.suffix());
+    const QString path = Singleton<CNativeDialogs>::instance().getSaveFileName(
+        this, tr("Save the picture"), proposal, writablePicturesFilter());
+    if (path.isEmpty())
+        return false;
+
+    // The user may go on while the picture is being written.
+    const QString title = m_panel->title();
+    const Corrections corrections = m_panel->corrections();
+    if (!writeCorrected(path, title))
+        return false;
+    m_savedTitle = title;
+    m_savedCorrections = corrections;
+    updateState();
+    CMessageBox::information(this, tr("Saved %1").arg(QFileInfo(path).fileName()), simpleBoxHeight);
+    return true;
+}
+
+void MainWindow::exportPicture()
+{
+    if (m_picture.isNull() || m_busyBar->isBusy())
+        return;
+    const QFileInfo file(m_path);
+    const QString folder = Singleton<CNativeDialogs>::instance().getExistingDirectory(
+        this, tr("Export the corrected picture to"), file.absolutePath());
+    if (folder.isEmpty())
+        return;
+    writeCorrected(
+        QDir(folder).filePath(file.completeBaseName() + QStringLiteral("-corrected.png")),
+        m_panel->title());
+}
+
+/// False if it was stopped or couldn't be written; the latter has been told then.
+bool MainWindow::writeCorrected(const QString& path, const QString& title)
+{
+    const QString name = QFileInfo(path).fileName();
+    QImage corrected;
+    CorrectionJob correction(m_picture, m_panel->corrections());
+    connect(&correction, &CorrectionJob::progressChanged, m_busyBar, &BusyBar::setProgress);
+    connect(
+        &correction, &CorrectionJob::corrected, this,
+        [&corrected](const QImage& picture) { corrected = picture; }, Qt::DirectConnection);
+    BusyBar::Outcome outcome =
+        m_busyBar->run(correction, tr("Correcting %1").arg(QFileInfo(m_path).fileName()));
+    if (outcome == BusyBar::Outcome::Done) {
+        PictureWriter writer(corrected, title, path, hostGround());
+        outcome = m_busyBar->run(writer, tr("Writing %1").arg(name));
+    }
+    if (outcome != BusyBar::Outcome::Failed)
+        return outcome == BusyBar::Outcome::Done;
+    CMessageBox::critical(this, tr("Cannot save %1").arg(name), simpleBoxHeight);
+    return false;
+}
+
+void MainWindow::reset()
+{
+    if (CMessageBox::yesNoMessage(this, tr("Reset all corrections?"), questionBoxHeight)
+        != QMessageBox::Yes)
+        return;
+    recordHandMadeSteps();
+    m_panel->setCorrections(Corrections());
+    m_history->recordAll(tr("Reset"));
+}
+
+void MainWindow::undo()
+{
+    recordHandMadeSteps();
+    m_history->undo();
+}
+
+void MainWindow::recordUndoStep(const QString& slider)
+{
+    m_history->record(slider);
+}
+
+void MainWindow::recordHandMadeSteps()
+{
+    CDelayedCall::discard(this, "recordHandMadeSteps");
+    m_handMadeStep = false;
+    m_history->recordAll(tr("Corrections"));
+    updateState();
+}
+
+void MainWindow::editPreferences()
+{
+    PreferencesDialog dialog(this);
+    if (dialog.exec() == QDialog::Accepted)
+        showImageSize();
+}
+
+void MainWindow::about()
+{
+    CMessageBox::information(
+        this, tr("%1\nVersion %2").arg(g_appTitle, QCoreApplication::applicationVersion()),
+        simpleBoxHeight);
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    if (m_busyBar->isBusy()) {
+        // What runs the work is further up the stack and has to end first.
+        m_busyBar->stop();
+        event->ignore();
+        CDelayedCall::invoke(0, this, "close", true);
+        return;
+    }
+    event->setAccepted(mayDiscardPicture());
+}
+
+bool MainWindow::isChanged() const
+{
+    return !m_picture.isNull()
+        && (m_panel->title() != m_savedTitle || m_panel->corrections() != m_savedCorrections);
+}
+
+/// Whether the picture may go: it is unchanged, or saved now, or the user gives its changes up.
+bool MainWindow::mayDiscardPicture()
+{
+    if (!isChanged())
+        return true;
+    switch (CMessageBox::saveDiscardCancelMessage(
+        this, tr("Save changes to %1?").arg(QFileInfo(m_path).fileName()), questionBoxHeight)) {
+    case QMessageBox::Save:
+        return save();
+    case QMessageBox::Discard:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void MainWindow::applyCorrections()
+{
+    m_view->setCorrections(m_panel->corrections());
+    updateState();
 }
 
 void MainWindow::showGrid(bool visible)
 {
     m_view->setGridVisible(visible);
     CSettings().setValue(QLatin1String(gridVisibleKey), visible);
+}
+
+void MainWindow::updateState()
+{
+    const bool idle = !m_busyBar->isBusy();
+    const bool savable = idle && !m_picture.isNull();
+    m_openAction->setEnabled(idle);
+    m_openButton->setEnabled(idle);
+    m_saveAction->setEnabled(savable);
+    m_panel->saveButton()->setEnabled(savable);
+    m_exportAction->setEnabled(savable);
+    m_panel->exportButton()->setEnabled(savable);
+    m_undoAction->setEnabled(m_history->canUndo() || m_handMadeStep);
+    setWindowModified(isChanged());
+}
+
+void MainWindow::showImageSize()
+{
+    m_imageSizeLabel->setVisible(!m_picture.isNull()
+                                 && CSettings().value(g_showImageSize, true).toBool());
+    if (!m_picture.isNull())
+        m_imageSizeLabel->setText(imageSizeText(m_picture.size()));
 }

@@ -1,15 +1,24 @@
 #pragma once
 
+#include "Corrections.h"
+
 #include <QMainWindow>
 
+class BusyBar;
+class CQRunnableItem;
+class CorrectionHistory;
 class PictureView;
-class QCheckBox;
+class QAction;
 class QFrame;
 class QLabel;
-class QSlider;
+class QPushButton;
+class ToolPanel;
 
-/// The sample host's window: a picture, and the controls that straighten it. Scripts find every
+/// The sample host's window: a picture, and the controls that mend and save it. Scripts find every
 /// control by its object name.
+///
+/// While the full picture is being corrected or written the window stays alive, but for opening,
+/// saving and exporting; closing it stops the work.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -17,24 +26,58 @@ class MainWindow : public QMainWindow
 public:
     explicit MainWindow(QWidget* parent = nullptr);
 
-    /// Shows the picture. False, with a notice in its place, if it can't be read.
+    /// Shows the picture and asks nothing. False, with a notice in its place, if it can't be read.
     bool openPicture(const QString& path);
 
 public Q_SLOTS:
-    void resetCorrections();
+    void open();
+    bool save();
+    void exportPicture();
+    void reset();
+    void undo();
+    void editPreferences();
+    void about();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
 
 private Q_SLOTS:
-    void showAngle(int tenthsOfDegree);
+    void applyCorrections();
+    void recordUndoStep(const QString& slider);
+    void recordHandMadeSteps();
     void showGrid(bool visible);
+    void updateState();
+    void showImageSize();
 
 private:
-    QFrame* createToolPanel();
+    QFrame* createHeader();
+    void createActions();
+    void connectControls();
     void restoreSettings();
+    void showPicture(const QImage& picture, const QString& path);
+    bool isChanged() const;
+    bool mayDiscardPicture();
+    bool writeCorrected(const QString& path, const QString& title);
 
     PictureView* m_view = nullptr;
-    QSlider* m_horizonSlider = nullptr;
-    QLabel* m_angleLabel = nullptr;
-    QCheckBox* m_gridCheckBox = nullptr;
+    ToolPanel* m_panel = nullptr;
+    BusyBar* m_busyBar = nullptr;
+    CorrectionHistory* m_history = nullptr;
     QLabel* m_fileNameLabel = nullptr;
     QLabel* m_imageSizeLabel = nullptr;
+    QPushButton* m_openButton = nullptr;
+    QPushButton* m_preferencesButton = nullptr;
+    QPushButton* m_aboutButton = nullptr;
+    QAction* m_openAction = nullptr;
+    QAction* m_saveAction = nullptr;
+    QAction* m_exportAction = nullptr;
+    QAction* m_undoAction = nullptr;
+    QAction* m_resetAction = nullptr;
+    QAction* m_gridAction = nullptr;
+
+    QImage m_picture;
+    QString m_path;
+    QString m_savedTitle;
+    Corrections m_savedCorrections;
+    bool m_handMadeStep = false; ///< a slider was moved by hand and its step isn't recorded yet
 };

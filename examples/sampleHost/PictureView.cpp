@@ -1,21 +1,24 @@
 #include "PictureView.h"
 
+#include "CorrectionJob.h"
 #include "DelayedCall.h"
 
 #include <QPainter>
 #include <QResizeEvent>
-#include <QtMath>
+
+#include <cmath>
 
 namespace {
 
-constexpr int margin = 24;
+constexpr int margin = 32;
+constexpr double roughPixels = 600000.0;
+constexpr int restMs = 120;
 
-/// How far a frame of \a size has to be enlarged to cover itself when it is turned.
-double coveringScale(const QSizeF& size, double degrees)
+QImage scaledTo(const QImage& picture, const QSize& size)
 {
-    const double turn = qAbs(qDegreesToRadians(degrees));
-    const double aspect = qMax(size.width() / size.height(), size.height() / size.width());
-    return qCos(turn) + aspect * qSin(turn);
+    return size.width() < picture.width()
+        ? picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+        : picture;
 }
 
 } // namespace
@@ -24,12 +27,18 @@ PictureView::PictureView(QWidget* parent)
     : QWidget(parent)
 {
     setMinimumSize(320, 240);
+    m_pool.setMaxThreadCount(1);
+}
+
+PictureView::~PictureView()
+{
+    stopRefining();
 }
 
 void PictureView::setPicture(const QImage& picture)
 {
     m_picture = picture;
-    renderPreview();
+    copyForScreen();
     Q_EMIT pictureChanged();
 }
 
@@ -49,18 +58,21 @@ void PictureView::setPlaceholder(const QString& text)
     update();
 }
 
-double PictureView::angle() const
+void PictureView::setCorrections(const Corrections& corrections)
 {
-    return m_angle;
+    if (m_corrections == corrections) {
+        // They may differ all the same, in what doesn't show.
+        m_corrections = corrections;
+        return;
+    }
+    m_corrections = corrections;
+    correct();
+    Q_EMIT correctionsChanged();
 }
 
-void PictureView::setAngle(double degrees)
+double PictureView::angle() const
 {
-    if (qFuzzyCompare(m_angle + 1.0, degrees + 1.0))
-        return;
-    m_angle = degrees;
-    update();
-    Q_EMIT angleChanged(m_angle);
+    return m_corrections.horizon;
 }
 
 bool PictureView::isGridVisible() const
@@ -85,7 +97,7 @@ void PictureView::setGridSize(int fields)
 
 QSize PictureView::sizeHint() const
 {
-    return {760, 640};
+    return {860, 680};
 }
 
 void PictureView::paintEvent(QPaintEvent* event)
@@ -98,7 +110,8 @@ void PictureView::paintEvent(QPaintEvent* event)
     }
     const QRectF target = frame();
     painter.setClipRect(target);
-    paintPicture(painter, target);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawPixmap(target, m_shown, m_shown.rect());
     if (m_gridVisible)
         paintGrid(painter, target);
 }
@@ -106,18 +119,64 @@ void PictureView::paintEvent(QPaintEvent* event)
 void PictureView::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
-    // The preview is stretched while the window is being resized, and made anew once that has
+    // What is shown is stretched while the window is being resized, and made anew once that has
     // ended.
-    CDelayedCall::invoke(100, this, "renderPreview", true);
+    CDelayedCall::invoke(100, this, "copyForScreen", true);
 }
 
-void PictureView::renderPreview()
+void PictureView::copyForScreen()
 {
-    if (!m_picture.isNull()) {
-        const QSize size = (frame().size() * devicePixelRatioF()).toSize();
-        m_preview = QPixmap::fromImage(
-            m_picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    if (m_picture.isNull())
+        return;
+    m_fineCopy = scaledTo(m_picture, (frame().size() * devicePixelRatioF()).toSize());
+    const double pixels = double(m_fineCopy.width()) * m_fineCopy.height();
+    const QSizeF rough = QSizeF(m_fineCopy.size()) * std::sqrt(roughPixels / pixels);
+    m_roughCopy = scaledTo(m_fineCopy, rough.toSize().expandedTo(QSize(1, 1)));
+    correct();
+}
+
+void PictureView::correct()
+{
+    if (m_picture.isNull())
+        return;
+    stopRefining();
+    if (m_corrections.isIdentity()) {
+        showCorrected(m_fineCopy);
+        return;
     }
+    showCorrected(correctPicture(m_roughCopy, m_corrections));
+    if (m_roughCopy.size() != m_fineCopy.size())
+        CDelayedCall::invoke(restMs, this, "refine", true);
+}
+
+void PictureView::refine()
+{
+    stopRefining();
+    m_refining = std::make_unique<CorrectionJob>(m_fineCopy, m_corrections);
+    m_refining->setAutoDelete(false);
+    // A result that was under way when its job was stopped comes late.
+    connect(m_refining.get(), &CorrectionJob::corrected, this,
+            [this, refinement = m_refinement](const QImage& picture) {
+                if (refinement == m_refinement)
+                    showCorrected(picture);
+            });
+    m_pool.start(m_refining.get());
+}
+
+void PictureView::stopRefining()
+{
+    CDelayedCall::discard(this, "refine");
+    ++m_refinement;
+    if (!m_refining)
+        return;
+    m_refining->stop();
+    m_pool.waitForDone();
+    m_refining.reset();
+}
+
+void PictureView::showCorrected(const QImage& picture)
+{
+    m_shown = QPixmap::fromImage(picture);
     update();
 }
 
@@ -127,19 +186,6 @@ QRectF PictureView::frame() const
     QRectF target(QPointF(), QSizeF(m_picture.size()).scaled(room.size(), Qt::KeepAspectRatio));
     target.moveCenter(room.center());
     return target.toAlignedRect();
-}
-
-void PictureView::paintPicture(QPainter& painter, const QRectF& target) const
-{
-    const double scale = coveringScale(target.size(), m_angle);
-    painter.save();
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.translate(target.center());
-    painter.rotate(m_angle);
-    painter.scale(scale, scale);
-    painter.translate(-target.center());
-    painter.drawPixmap(target, m_preview, m_preview.rect());
-    painter.restore();
 }
 
 void PictureView::paintGrid(QPainter& painter, const QRectF& target) const

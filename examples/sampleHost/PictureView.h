@@ -1,21 +1,32 @@
 #pragma once
 
+#include "Corrections.h"
+
 #include <QImage>
 #include <QPixmap>
+#include <QThreadPool>
 #include <QWidget>
 
-/// Shows a picture, straightened by an angle and cropped so that no corner stays empty, with a grid
-/// over it on request.
+#include <memory>
+
+class CorrectionJob;
+
+/// Shows a picture as its corrections make it, with a grid over it on request.
+///
+/// It corrects a copy of screen size, so that it follows a slider at once. Where that copy is
+/// large, a rougher one comes first, and the fine one, made off the GUI thread, when the hand
+/// rests.
 class PictureView : public QWidget
 {
     Q_OBJECT
-    Q_PROPERTY(double angle READ angle WRITE setAngle NOTIFY angleChanged)
+    Q_PROPERTY(double angle READ angle NOTIFY correctionsChanged)
     Q_PROPERTY(bool gridVisible READ isGridVisible WRITE setGridVisible NOTIFY gridVisibleChanged)
     Q_PROPERTY(int pictureWidth READ pictureWidth NOTIFY pictureChanged)
     Q_PROPERTY(int pictureHeight READ pictureHeight NOTIFY pictureChanged)
 
 public:
     explicit PictureView(QWidget* parent = nullptr);
+    ~PictureView() override;
 
     void setPicture(const QImage& picture);
     int pictureWidth() const;
@@ -24,9 +35,10 @@ public:
     /// Shown while there is no picture.
     void setPlaceholder(const QString& text);
 
+    void setCorrections(const Corrections& corrections);
+
     /// Degrees, clockwise.
     double angle() const;
-    void setAngle(double degrees);
 
     bool isGridVisible() const;
     void setGridVisible(bool visible);
@@ -39,24 +51,32 @@ public:
 Q_SIGNALS:
     void pictureChanged();
     void gridVisibleChanged(bool visible);
-    void angleChanged(double degrees);
+    void correctionsChanged();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private Q_SLOTS:
-    void renderPreview();
+    void copyForScreen();
+    void refine();
 
 private:
     QRectF frame() const;
-    void paintPicture(QPainter& painter, const QRectF& target) const;
+    void correct();
+    void stopRefining();
+    void showCorrected(const QImage& picture);
     void paintGrid(QPainter& painter, const QRectF& target) const;
 
     QImage m_picture;
-    QPixmap m_preview; ///< the picture at the size that is shown
+    Corrections m_corrections;
+    QImage m_fineCopy; ///< the picture at the size that is shown
+    QImage m_roughCopy; ///< small enough to be corrected while a slider moves
+    QPixmap m_shown;
     QString m_placeholder;
-    double m_angle = 0.0;
     bool m_gridVisible = false;
     int m_gridSize = 6;
+    QThreadPool m_pool;
+    std::unique_ptr<CorrectionJob> m_refining;
+    int m_refinement = 0; ///< number of the job whose result is wanted
 };

@@ -4,7 +4,6 @@
 #include "CommonConstants.h"
 #include "HostStyle.h"
 #include "MainWindow.h"
-#include "Scripting.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -103,9 +102,7 @@ int main(int argc, char** argv)
     if (!run)
         return QApplication::exec();
 
-    Singleton<VEK_NAMESPACE::CScripting>::instance().makeObjectScriptable(window.objectName(),
-                                                                          &window);
-    run->start();
+    run->start(&window);
     QApplication::exec();
     return run->exitStatus();
 }

@@ -22,11 +22,18 @@ public:
                                                                             : -1;
     }
 
+    /// Without what Qt tells of X11 now and then, when a window goes while its place is being asked
+    /// for.
     QStringList errorLines()
     {
         hasEnded();
         m_errors += m_process.readAllStandardError();
-        return QString::fromUtf8(m_errors).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        QStringList lines =
+            QString::fromUtf8(m_errors).split(QLatin1Char('\n'), QString::SkipEmptyParts);
+        const QStringList errorsOfX11 = lines.filter(QStringLiteral("qt.qpa.xcb: "));
+        for (const QString& line : errorsOfX11)
+            lines.removeAll(line);
+        return lines;
     }
 
 private:
@@ -51,5 +58,5 @@ inline QStringList readLines(const QString& path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return {};
-    return QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    return QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'), QString::SkipEmptyParts);
 }

@@ -160,7 +160,8 @@ void tst_ExitStatus::a_loop_that_never_gives_control_back_is_ended()
 void tst_ExitStatus::a_picture_that_cannot_be_read_is_told_and_stops_nothing()
 {
     writeFile(path("broken.png"), "not a picture");
-    writeFile(path("case.js"), "scripting.log(mainWindow.central.pictureView.pictureWidth)");
+    writeFile(path("case.js"),
+              "scripting.log(scripting.getSubObject(mainWindow, 'pictureView').pictureWidth)");
 
     HostProcess host({QStringLiteral("--script"), path("case.js"), QStringLiteral("--image"),
                       path("broken.png")});

@@ -70,7 +70,7 @@ void tst_RunFiles::a_run_never_touches_the_users_settings()
     const QString folder = QString::fromLocal8Bit(qgetenv("XDG_CONFIG_HOME")) + "/Vek Labs/krnv3";
     QVERIFY(QDir().mkpath(folder));
     writeFile(folder + QStringLiteral("/Data.plist"), "[gridOverlay.visible]\nmine=1\n");
-    writeFile(path("case.js"), "mainWindow.central.toolPanel.gridCheckBox.click()");
+    writeFile(path("case.js"), "scripting.clickButton(mainWindow, 'gridCheckBox')");
 
     QCOMPARE(HostProcess({QStringLiteral("--script"), path("case.js")}).exitCode(), 0);
 
@@ -81,7 +81,8 @@ void tst_RunFiles::a_run_never_touches_the_users_settings()
 void tst_RunFiles::settings_beside_the_script_are_the_runs_first_ones()
 {
     writeFile(path("DefaultTemporarySettins.ini"), "[General]\ngridOverlay.visible=true\n");
-    writeFile(path("case.js"), "scripting.log(mainWindow.central.toolPanel.gridCheckBox.checked)");
+    writeFile(path("case.js"),
+              "scripting.log(scripting.isItemChecked(mainWindow, 'gridCheckBox'))");
 
     QCOMPARE(HostProcess({QStringLiteral("--script"), path("case.js"),
                           QStringLiteral("--report-dir"), path("reports")})
@@ -103,7 +104,7 @@ void tst_RunFiles::the_script_drives_the_window()
 
     QCOMPARE(host.errorLines(), QStringList());
     QCOMPARE(host.exitCode(), 0);
-    QCOMPARE(readLines(path("tourReport.txt")).filter(QStringLiteral("ok: ")).size(), 7);
+    QCOMPARE(readLines(path("tourReport.txt")).filter(QStringLiteral("ok: ")).size(), 9);
 }
 
 QTEST_GUILESS_MAIN(tst_RunFiles)

@@ -1,4 +1,7 @@
 // The parts that no request can reach: the source itself, so that its private class is at hand.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wsubobject-linkage" // expects that only headers are included
+#endif
 #include "DelayedCall.cpp" // NOLINT(bugprone-suspicious-include)
 
 #include "RecordingLogger.h"

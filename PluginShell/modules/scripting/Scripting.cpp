@@ -216,8 +216,9 @@ void CScripting::fail(const QString& message)
     m_failed = true;
     log(message);
     m_engine.abortEvaluation(QScriptValue(g_auxFailVal));
-    if (QWindow* window = QGuiApplication::modalWindow())
-        window->close();
+    QWindow* window = QGuiApplication::modalWindow();
+    if (window && !window->close())
+        m_windowToClose = window;
 }
 
 void CScripting::timerEvent(QTimerEvent* event)

@@ -6,12 +6,19 @@
 #include <QFile>
 #include <QMutex>
 #include <QObject>
+#include <QPointer>
 #include <QScriptEngine>
 #include <QScriptValue>
 #include <QString>
 #include <QStringList>
 #include <QTextStream>
 #include <QVariant>
+
+class QImage;
+class QWidget;
+class QWindow;
+
+// clazy:excludeall=const-signal-or-slot
 
 namespace VEK_NAMESPACE {
 
@@ -88,6 +95,73 @@ public Q_SLOTS:
     /// Only the first call counts.
     void fail(const QString& message = QString());
 
+    // Control of the user interface. Controls are found by their object name below a window, at any
+    // depth; where there are buttons and actions, buttons come first. A control that isn't there is
+    // no failure: nothing happens, or the result is the neutral one (an empty text, false, 0,
+    // null).
+
+    /// Sends one key click. \a modifier is a sum of Qt::KeyboardModifier values.
+    void shortcut(QWidget* object, const QChar& key, int modifier);
+
+    void setLineEditText(QWidget* pParentWindow, const QString& name, const QString& strText);
+    QString getLineEditText(QWidget* pParentWindow, const QString& name) const;
+
+    /// Returns when what the click does has ended; a modal dialog blocks the script until it
+    /// closes.
+    void clickButton(QWidget* pParentWindow, const QString& name);
+    void triggerAction(QWidget* pParentWindow, const QString& name);
+    void setItemChecked(QWidget* pParentWindow, const QString& name, bool bChecked);
+    bool isItemChecked(QWidget* pParentWindow, const QString& name) const;
+    bool isItemEnabled(QWidget* pParentWindow, const QString& name) const;
+    bool isItemVisible(QWidget* pParentWindow, const QString& name) const;
+
+    /// Sets a slider and emits createUndoCommandForSlider().
+    void setSlider(QWidget* pParentWindow, const QString& name, int value);
+    int getSliderValue(QWidget* pParentWindow, const QString& name) const;
+
+    /// Any object below the window; an empty name gives the first child.
+    QObject* getSubObject(QWidget* pParentWindow, const QString& name);
+
+    // Checks on images, values, files and settings. Only compare() fails the test by itself.
+
+    /// Whether the difference of the pictures is below \a diff, see compareImages(). It is logged.
+    bool isEqualImages(const QString& pathToImage1, const QString& pathToImage2, double diff = 0.5);
+
+    /// Whether neither side differs by more than \a tolerance pixels.
+    bool isEqualImagesBySize(const QString& pathToImage1, const QString& pathToImage2,
+                             int tolerance = 2);
+
+    /// Whether the values are equal as QVariants are. If not, the test fails, or with the last
+    /// argument false the mismatch is logged.
+    bool compare(const QVariant& actual, const QVariant& expected,
+                 bool bAbortTestIfCompareFailed = true);
+
+    /// How many readable files, or entries of any kind, a folder has; hidden ones don't count.
+    unsigned int dirContentCount(const QString& pathToDir, bool bFilesOnly = true) const;
+
+    /// Removes the plain files of a folder.
+    void clearDir(const QString& pathToDir);
+    bool removeFile(const QString& pathToFile);
+    bool isFileExist(const QString& pathToFile);
+    bool copyFile(const QString& pathToSrcFile, const QString& pathToDestFile);
+    bool isEqualFiles(const QString& pathToFile1, const QString& pathToFile2);
+    bool stringEndsWith(const QString& str, const QString& endsWithStr) const;
+
+    /// Records a message box and serves events for a second, without the user's input. An empty
+    /// text fails the test.
+    void addShownMessageBox(const QString& message);
+
+    /// Whether a box with that text was recorded, or with a number from 0 whether that box had it.
+    bool isMessageBoxShown(const QString& message, int messageBoxNumber = -1);
+
+    QString platformName();
+
+    /// The settings that the product sees, the overlay included.
+    QVariant getSettingValue(const QString& strKey) const;
+    bool hasSettingKey(const QString& strKey) const;
+    void setSettingValue(const QString& strKey, const QVariant& val);
+    void removeSettingKey(const QString& strKey);
+
 Q_SIGNALS:
     void initializeTest();
     void cleanupTest();
@@ -118,6 +192,7 @@ private:
     void invokeSignalForScript(jsSignal s);
     void failByException(const QString& message);
     double elapsedSeconds() const;
+    bool loadImages(const QString& path1, const QString& path2, QImage& image1, QImage& image2);
 
     QFile m_reportFile;
     QTextStream m_reportStream;
@@ -130,6 +205,7 @@ private:
     bool m_finished = false;
     bool m_failed = false;
     QMutex m_reportMutex; ///< guards writing to m_reportStream
+    QPointer<QWindow> m_windowToClose; ///< of fail(), which can't while user input is shut out
 };
 
 } // namespace VEK_NAMESPACE

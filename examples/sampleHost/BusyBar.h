@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QFrame>
+#include <QTimer>
+
+class CQRunnableItem;
+class QLabel;
+class QProgressBar;
+
+/// Runs work off the GUI thread and shows, if it takes longer than a moment, how far it is, with a
+/// button that stops it.
+class BusyBar : public QFrame
+{
+    Q_OBJECT
+
+public:
+    enum class Outcome
+    {
+        Done,
+        Failed,
+        Stopped
+    };
+
+    explicit BusyBar(QWidget* parent = nullptr);
+
+    /// Runs \a work, which stays the caller's, and serves events until it has ended. Only one work
+    /// at a time.
+    Outcome run(CQRunnableItem& work, const QString& text);
+
+    bool isBusy() const;
+
+public Q_SLOTS:
+    void stop();
+    void setProgress(int percent);
+
+Q_SIGNALS:
+    void busyChanged(bool busy);
+
+private:
+    CQRunnableItem* m_work = nullptr;
+    QTimer m_moment;
+    QLabel* m_text = nullptr;
+    QProgressBar* m_progress = nullptr;
+};

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "Corrections.h"
+
+#include <QFrame>
+
+#include <vector>
+
+class QCheckBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QSlider;
+
+/// The controls at the side of the picture. Scripts find each of them by its object name.
+class ToolPanel : public QFrame
+{
+    Q_OBJECT
+
+public:
+    explicit ToolPanel(QWidget* parent = nullptr);
+
+    QString title() const;
+    void setTitle(const QString& title);
+
+    Corrections corrections() const;
+    void setCorrections(const Corrections& corrections);
+
+    const std::vector<QSlider*>& sliders() const { return m_sliders; }
+    QCheckBox* autoCropCheckBox() const { return m_autoCropCheckBox; }
+    QCheckBox* gridCheckBox() const { return m_gridCheckBox; }
+    QPushButton* saveButton() const { return m_saveButton; }
+    QPushButton* exportButton() const { return m_exportButton; }
+    QPushButton* resetButton() const { return m_resetButton; }
+    QPushButton* closeButton() const { return m_closeButton; }
+
+Q_SIGNALS:
+    void titleChanged();
+    void correctionsChanged();
+
+    /// A slider was moved by hand, and has come to rest or not.
+    void sliderMoved(bool atRest);
+
+private:
+    QWidget* createSlider(const char* name, const QString& title, int greatest, double unit,
+                          int decimals, const QString& suffix);
+
+    QLineEdit* m_titleEdit = nullptr;
+    std::vector<QSlider*> m_sliders; ///< horizon, distortion, keystone
+    QCheckBox* m_autoCropCheckBox = nullptr;
+    QCheckBox* m_gridCheckBox = nullptr;
+    QPushButton* m_saveButton = nullptr;
+    QPushButton* m_exportButton = nullptr;
+    QPushButton* m_resetButton = nullptr;
+    QPushButton* m_closeButton = nullptr;
+};
