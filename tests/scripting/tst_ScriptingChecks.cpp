@@ -294,6 +294,12 @@ void tst_ScriptingChecks::writeImages() const
     tall.setPixel(3, 99, 0xffffffff);
     QVERIFY(tall.save(path("tall, last row.png")));
     QVERIFY(writeFile(path("text.png"), "no picture"));
+    // 50000 by 50000 pixels, by its own account.
+    QVERIFY(writeFile(
+        path("lie.png"),
+        QByteArray::fromBase64(
+            "iVBORw0KGgoAAAANSUhEUgAAw1AAAMNQCAIAAADEzaqdAAAAEUlEQVR4nGNgGAWjYBQMdwAAA+gAAb"
+            "Om00YAAAAASUVORK5CYII=")));
     QVERIFY(writeFile(path("empty.png"), QByteArray()));
     QVERIFY(QDir().mkdir(path("folder.png")));
 }
@@ -583,6 +589,8 @@ void tst_ScriptingChecks::imagesAreCompared_data()
     row("no second path", "@black.png", "", 0.5, false, "Image [] doesn't exist!");
     row("a file that is no picture", "@text.png", "@black.png", 0.5, false,
         "Loading image [@text.png] failed!");
+    row("a picture that lies about its size", "@lie.png", "@black.png", 0.5, false,
+        "Loading image [@lie.png] failed!");
     row("a second file that is no picture", "@black.png", "@text.png", 0.5, false,
         "Loading image [@text.png] failed!");
     row("two files that are no pictures", "@text.png", "@empty.png", 0.5, false,

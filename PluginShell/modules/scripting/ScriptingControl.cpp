@@ -9,6 +9,8 @@
 #include <QLineEdit>
 #include <QTest>
 
+#include <utility>
+
 namespace VEK_NAMESPACE {
 
 namespace {
@@ -27,6 +29,26 @@ Qt::Key keyOfLatin1(uchar code)
     return isKnown ? QTest::asciiToKey(char(code)) : Qt::Key(0);
 }
 
+/// The second half of a key click, in QtTest's order. QTest::sendKeyEvent() would go on with a
+/// receiver that the key has deleted.
+void releaseKeys(QWidget* object, Qt::Key key, const QString& text, Qt::KeyboardModifiers modifiers)
+{
+    const QPointer<QWidget> receiver(object);
+    QTest::simulateEvent(receiver, false, key, modifiers, text, false);
+
+    const std::pair<Qt::KeyboardModifier, Qt::Key> modifierKeys[] = {
+        {Qt::MetaModifier, Qt::Key_Meta},
+        {Qt::AltModifier, Qt::Key_Alt},
+        {Qt::ControlModifier, Qt::Key_Control},
+        {Qt::ShiftModifier, Qt::Key_Shift},
+    };
+    for (const auto& [modifier, modifierKey] : modifierKeys) {
+        if (receiver && modifiers.testFlag(modifier))
+            QTest::simulateEvent(receiver, false, modifierKey, modifiers, QString(), false);
+        modifiers &= (Qt::AltModifier | Qt::ControlModifier | Qt::ShiftModifier) & ~modifier;
+    }
+}
+
 } // namespace
 
 void CScripting::shortcut(QWidget* object, const QChar& key, int modifier)
@@ -36,8 +58,11 @@ void CScripting::shortcut(QWidget* object, const QChar& key, int modifier)
 
     const auto code = uchar(key.toLatin1());
     const QString text = code ? QString(QChar(code)) : QString();
-    QTest::sendKeyEvent(QTest::Click, object, keyOfLatin1(code), text,
-                        Qt::KeyboardModifiers(QFlag(modifier)));
+    const Qt::KeyboardModifiers modifiers{QFlag(modifier)};
+    const QPointer<QWidget> receiver(object);
+    QTest::sendKeyEvent(QTest::Press, object, keyOfLatin1(code), text, modifiers);
+    if (receiver)
+        releaseKeys(receiver, keyOfLatin1(code), text, modifiers);
 }
 
 void CScripting::setLineEditText(QWidget* pParentWindow, const QString& name,
