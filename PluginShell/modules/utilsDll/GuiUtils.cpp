@@ -9,7 +9,6 @@
 #include <QDesktopWidget>
 #include <QMenu>
 #include <QMouseEvent>
-#include <QPointer>
 #include <QScreen>
 #include <QTimer>
 
@@ -60,10 +59,9 @@ void moveWindowToScreenCenter(QWidget* window, QWidget* parent)
     if (screen.isValid())
         window->move(centredTopLeft(screen, window->frameGeometry()));
 
-    const QPointer<QWidget> guarded(window);
-    QTimer::singleShot(0, [guarded] {
-        if (guarded && guarded->winId())
-            Platform::bringToModalPanelLevel(guarded->winId());
+    QTimer::singleShot(0, window, [window] {
+        if (window->winId())
+            Platform::bringToModalPanelLevel(window->winId());
     });
 }
 
