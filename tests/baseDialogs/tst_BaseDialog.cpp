@@ -1,6 +1,7 @@
 #include "BaseDialog.h"
 
 #include "DelayedCall.h"
+#include "MessageCounter.h"
 #include "Scripting.h"
 
 #include <QApplication>
@@ -19,6 +20,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <type_traits>
 
 using VEK_NAMESPACE::CBaseDialog;
@@ -115,34 +117,25 @@ private Q_SLOTS:
     void globals();
 
 private:
-    static int s_messages;
-    static QtMessageHandler s_printer;
+    std::optional<MessageCounter> m_messages;
 };
-
-int tst_BaseDialog::s_messages = 0;
-QtMessageHandler tst_BaseDialog::s_printer = nullptr;
 
 void tst_BaseDialog::initTestCase()
 {
-    s_printer = qInstallMessageHandler(
-        [](QtMsgType type, const QMessageLogContext& context, const QString& text) {
-            // Which the offscreen platform says of every dialog.
-            if (text.contains(QLatin1String("propagateSizeHints")))
-                return;
-            ++s_messages;
-            s_printer(type, context, text);
-        });
     QCOMPARE(QGuiApplication::primaryScreen()->geometry(), QRect(0, 0, 800, 600));
 }
 
 void tst_BaseDialog::init()
 {
-    s_messages = 0;
+    // Which the offscreen platform says of every dialog.
+    m_messages.emplace({"propagateSizeHints"});
 }
 
 void tst_BaseDialog::cleanup()
 {
-    QCOMPARE(s_messages, 0);
+    const int messages = m_messages->count();
+    m_messages.reset();
+    QCOMPARE(messages, 0);
 }
 
 void tst_BaseDialog::metaObject()

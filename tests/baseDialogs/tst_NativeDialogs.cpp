@@ -1,5 +1,6 @@
 #include "NativeDialogs.h"
 
+#include "MessageCounter.h"
 #include "ScriptedRun.h"
 
 #include <QApplication>
@@ -12,6 +13,7 @@
 #include <QTimer>
 
 #include <functional>
+#include <optional>
 #include <type_traits>
 #include <vector>
 
@@ -183,7 +185,6 @@ class tst_NativeDialogs : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
     void init();
     void cleanup();
 
@@ -203,44 +204,31 @@ private:
                      QFileDialog::Options options) const;
 
     QScopedPointer<QTemporaryDir> m_folder;
-    static int s_messages;
-    static QtMessageHandler s_printer;
+    std::optional<MessageCounter> m_messages;
 };
-
-int tst_NativeDialogs::s_messages = 0;
-QtMessageHandler tst_NativeDialogs::s_printer = nullptr;
 
 Q_DECLARE_METATYPE(Getter)
 Q_DECLARE_METATYPE(QFileDialog::Options)
 Q_DECLARE_METATYPE(QFileDialog::AcceptMode)
 
-void tst_NativeDialogs::initTestCase()
-{
-    s_printer = qInstallMessageHandler(
-        [](QtMsgType type, const QMessageLogContext& context, const QString& text) {
-            // Which the offscreen platform says of every dialog.
-            if (text.contains(QLatin1String("propagateSizeHints")))
-                return;
-            ++s_messages;
-            s_printer(type, context, text);
-        });
-}
-
 void tst_NativeDialogs::init()
 {
+    // Which the offscreen platform says of every dialog.
+    m_messages.emplace({"propagateSizeHints"});
     m_folder.reset(new QTemporaryDir);
     for (const char* name : {"a.png", "b.png", "c.txt"}) {
         QFile file(path(name));
         QVERIFY(file.open(QIODevice::WriteOnly));
     }
     QVERIFY(QDir(m_folder->path()).mkdir(QStringLiteral("inner")));
-    s_messages = 0;
 }
 
 void tst_NativeDialogs::cleanup()
 {
-    QCOMPARE(s_messages, 0);
     m_folder.reset();
+    const int messages = m_messages->count();
+    m_messages.reset();
+    QCOMPARE(messages, 0);
 }
 
 /// The setters are all that a script reaches.

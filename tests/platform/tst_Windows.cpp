@@ -1,5 +1,6 @@
 #include "BaseDialog.h"
 #include "GuiUtils.h"
+#include "MessageCounter.h"
 
 #include <netwm.h>
 
@@ -15,6 +16,7 @@
 #include <xcb/xcb.h>
 
 #include <memory>
+#include <optional>
 
 using VEK_NAMESPACE::CBaseDialog;
 using VEK_NAMESPACE::enableWindowCloseButton;
@@ -162,35 +164,26 @@ private Q_SLOTS:
     void unknownWindow();
 
 private:
-    static int s_messages;
-    static QtMessageHandler s_printer;
+    std::optional<MessageCounter> m_messages;
 };
-
-int tst_Windows::s_messages = 0;
-QtMessageHandler tst_Windows::s_printer = nullptr;
 
 void tst_Windows::initTestCase()
 {
-    s_printer = qInstallMessageHandler(
-        [](QtMsgType type, const QMessageLogContext& context, const QString& text) {
-            // Qt asks for its place in a frame that the window manager has just taken away.
-            if (text.contains(QLatin1String("TranslateCoords")))
-                return;
-            ++s_messages;
-            s_printer(type, context, text);
-        });
     QApplication::setQuitOnLastWindowClosed(false);
 }
 
 void tst_Windows::init()
 {
-    s_messages = 0;
+    // Qt asks for its place in a frame that the window manager has just taken away.
+    m_messages.emplace({"TranslateCoords"});
 }
 
 void tst_Windows::cleanup()
 {
     QTRY_VERIFY(stacking().isEmpty());
-    QCOMPARE(s_messages, 0);
+    const int messages = m_messages->count();
+    m_messages.reset();
+    QCOMPARE(messages, 0);
 }
 
 void tst_Windows::centredWindowIsInFrontOfAll()

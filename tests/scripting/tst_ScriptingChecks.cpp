@@ -1,5 +1,7 @@
-#include "../utilsDll/OrdinaryFileRights.h"
+#include "CurrentFolder.h"
 #include "DelayedCall.h"
+#include "MetaMethods.h"
+#include "OrdinaryFileRights.h"
 #include "Scripting.h"
 #include "Settings.h"
 #include "TemporarySettings.h"
@@ -12,7 +14,6 @@
 #include <QFileInfo>
 #include <QImage>
 #include <QLineEdit>
-#include <QMetaMethod>
 #include <QPoint>
 #include <QScriptEngine>
 #include <QSignalSpy>
@@ -48,18 +49,6 @@ QByteArray readFile(const QString& path)
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("can't be read");
 }
-
-class CurrentFolder
-{
-public:
-    explicit CurrentFolder(const QString& path) { QDir::setCurrent(path); }
-    ~CurrentFolder() { QDir::setCurrent(m_previous); }
-
-private:
-    Q_DISABLE_COPY(CurrentFolder)
-
-    const QString m_previous = QDir::currentPath();
-};
 
 /// The permissions of a path while it lives.
 class Permissions
@@ -331,24 +320,10 @@ void tst_ScriptingChecks::slotsAreDeclaredInOrder()
         text("void setSettingValue(QString strKey, QVariant val)"),
         text("void removeSettingKey(QString strKey)"),
     };
-    QStringList found;
-    const QMetaObject& metaObject = CScripting::staticMetaObject;
-    for (int i = metaObject.indexOfMethod("isEqualImages(QString,QString,double)");
-         i >= 0 && i < metaObject.methodCount() && found.count() < expected.count(); ++i) {
-        const QMetaMethod method = metaObject.method(i);
-        QCOMPARE(method.methodType(), QMetaMethod::Slot);
-        QCOMPARE(method.access(), QMetaMethod::Public);
-        QStringList parameters;
-        for (int p = 0; p < method.parameterCount(); ++p) {
-            parameters << QString::fromLatin1(method.parameterTypes().at(p) + ' '
-                                              + method.parameterNames().at(p));
-        }
-        found << QStringLiteral("%1%2 %3(%4)")
-                     .arg(method.attributes() & QMetaMethod::Cloned ? text("default ") : QString(),
-                          QString::fromLatin1(method.typeName()),
-                          QString::fromLatin1(method.name()), parameters.join(text(", ")));
-    }
-    QCOMPARE(found, expected);
+    QCOMPARE(MetaMethods::slotDeclarations(CScripting::staticMetaObject,
+                                           "isEqualImages(QString,QString,double)",
+                                           expected.count()),
+             expected);
 }
 
 void tst_ScriptingChecks::defaultsAreOverloads_data()

@@ -1,5 +1,7 @@
 #include "DelayedCall.h"
 
+#include "MessageCounter.h"
+
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -213,30 +215,6 @@ void ignoreNoSuchMethod(const char* signature)
         QRegularExpression(QStringLiteral("^QMetaObject::invokeMethod: No such method Receiver::")
                            + QRegularExpression::escape(QLatin1String(signature))));
 }
-
-/// Counts the messages that come while it lives. One at a time.
-class MessageCounter
-{
-public:
-    MessageCounter()
-    {
-        s_count = 0;
-        m_previous = qInstallMessageHandler(count);
-    }
-    ~MessageCounter() { qInstallMessageHandler(m_previous); }
-
-    int messages() const { return s_count; }
-
-private:
-    Q_DISABLE_COPY(MessageCounter)
-
-    static void count(QtMsgType, const QMessageLogContext&, const QString&) { ++s_count; }
-
-    static std::atomic<int> s_count;
-    QtMessageHandler m_previous;
-};
-
-std::atomic<int> MessageCounter::s_count{0};
 
 } // namespace
 
@@ -739,7 +717,7 @@ void tst_DelayedCall::nullObjectOrMethodIsIgnoredInSilence()
         CDelayedCall::invoke(0, nullptr, nullptr, true);
         CDelayedCall::invokeWithArgs(0, nullptr, "record", 1, true);
         CDelayedCall::invokeWithArgs(0, &receiver, nullptr, 1, true);
-        messages = counter.messages();
+        messages = counter.count();
     }
     QCOMPARE(messages, 0);
     QVERIFY(CDelayedCall::isActive(&receiver, "record"));
@@ -792,7 +770,7 @@ void tst_DelayedCall::deadTargetIsNotCalled()
             QCOMPARE(finder.timers().size(), 1);
         }
         serveWhatIsDue();
-        messages = counter.messages();
+        messages = counter.count();
     }
     QCOMPARE(calls, 0);
     QCOMPARE(messages, 0);
@@ -964,7 +942,7 @@ void tst_DelayedCall::lateTickWithoutACallIsIgnored()
         QCoreApplication::sendEvent(finder.invoker(), &tick);
         QCOMPARE(receiver.calls.size(), 1);
         QCoreApplication::sendEvent(finder.invoker(), &tick);
-        messages = counter.messages();
+        messages = counter.count();
     }
     QCOMPARE(receiver.calls.size(), 1);
     QCOMPARE(messages, 0);

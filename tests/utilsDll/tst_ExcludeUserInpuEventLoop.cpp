@@ -1,6 +1,7 @@
 #include "ExcludeUserInpuEventLoop.h"
 
 #include "DelayedCall.h"
+#include "MessageCounter.h"
 
 #include <QApplication>
 #include <QCursor>
@@ -333,10 +334,7 @@ void tst_ExcludeUserInpuEventLoop::filterOnAnotherThreadThanTheTargetWarns()
 
 void tst_ExcludeUserInpuEventLoop::filterOfTheApplicationOnAWorkerThreadIsSilent()
 {
-    static std::atomic<int> messages;
-    messages = 0;
-    const QtMessageHandler previous = qInstallMessageHandler(
-        [](QtMsgType, const QMessageLogContext&, const QString&) { ++messages; });
+    const MessageCounter messages;
     Target target;
     bool hasParent = true;
     std::atomic<bool> made{false};
@@ -353,11 +351,10 @@ void tst_ExcludeUserInpuEventLoop::filterOfTheApplicationOnAWorkerThreadIsSilent
     const bool on = filterIsOn(target);
     go = true;
     worker.join();
-    qInstallMessageHandler(previous);
 
     QVERIFY(!hasParent);
     QVERIFY(!on);
-    QCOMPARE(messages.load(), 0);
+    QCOMPARE(messages.count(), 0);
 }
 
 void tst_ExcludeUserInpuEventLoop::slotsOfTheMetaObject()
@@ -745,19 +742,15 @@ void tst_ExcludeUserInpuEventLoop::targetOnAnotherThreadWarnsAndTheLoopRuns()
 
 void tst_ExcludeUserInpuEventLoop::loopOnAWorkerThreadWithTheApplicationRunsInSilence()
 {
-    static std::atomic<int> messages;
-    messages = 0;
-    const QtMessageHandler previous = qInstallMessageHandler(
-        [](QtMsgType, const QMessageLogContext&, const QString&) { ++messages; });
+    const MessageCounter messages;
     int result = -2;
     std::thread worker([&] {
         CExcludeUserInpuEventLoop loop(qApp);
         result = loop.exec(20);
     });
     worker.join();
-    qInstallMessageHandler(previous);
     QCOMPARE(result, 0);
-    QCOMPARE(messages.load(), 0);
+    QCOMPARE(messages.count(), 0);
 }
 
 QTEST_MAIN(tst_ExcludeUserInpuEventLoop)

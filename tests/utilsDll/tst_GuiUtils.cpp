@@ -1,5 +1,6 @@
 #include "GuiUtils.h"
 
+#include "MessageCounter.h"
 #include "RecordingLogger.h"
 
 #include <QApplication>
@@ -16,6 +17,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <optional>
 
 using VEK_NAMESPACE::enableWindowCloseButton;
 using VEK_NAMESPACE::flickHoverEvent;
@@ -168,49 +170,41 @@ private Q_SLOTS:
     void flickMenuOnSeparator();
 
 private:
-    static bool popUp(QMenu& menu);
+    bool popUp(QMenu& menu);
 
     RecordingLogger m_logger;
-    static int s_messages;
-    static QtMessageHandler s_printer;
+    std::optional<MessageCounter> m_messages;
 };
-
-int tst_GuiUtils::s_messages = 0;
-QtMessageHandler tst_GuiUtils::s_printer = nullptr;
 
 void tst_GuiUtils::initTestCase()
 {
-    s_printer = qInstallMessageHandler(
-        [](QtMsgType type, const QMessageLogContext& context, const QString& text) {
-            // Which the offscreen platform says of windows with a layout.
-            if (text.contains(QLatin1String("propagateSizeHints")))
-                return;
-            ++s_messages;
-            s_printer(type, context, text);
-        });
     QCOMPARE(QGuiApplication::primaryScreen()->geometry(), QRect(0, 0, 800, 600));
 }
 
 void tst_GuiUtils::init()
 {
-    s_messages = 0;
+    // Which the offscreen platform says of windows with a layout.
+    m_messages.emplace({"propagateSizeHints"});
     m_logger.takeLines();
 }
 
 void tst_GuiUtils::cleanup()
 {
     serveWhatIsDue();
-    QCOMPARE(s_messages, 0);
+    const int messages = m_messages->count();
+    m_messages.reset();
+    QCOMPARE(messages, 0);
     QCOMPARE(m_logger.takeLines(), QStringList());
 }
 
-/// Shows a menu, of which the offscreen platform says what it can't do.
+/// Shows a menu, of which the offscreen platform says what it can't do. Nothing is printed before.
 bool tst_GuiUtils::popUp(QMenu& menu)
 {
-    const int messages = s_messages;
+    if (m_messages->count() != 0)
+        return false;
     menu.popup(QPoint(400, 300));
     const bool isShown = QTest::qWaitForWindowExposed(&menu);
-    s_messages = messages;
+    m_messages->reset();
     return isShown;
 }
 

@@ -1,4 +1,5 @@
 #include "Logger.h"
+#include "MessageCounter.h"
 #include "RecordingLogger.h"
 #include "Settings.h"
 #include "TemporarySettings.h"
@@ -129,18 +130,14 @@ void tst_Logger::aTraceEndsWithItsLastPointer()
 
 void tst_Logger::withoutALoggerNothingIsWritten()
 {
-    static int messages;
-    messages = 0;
-    const QtMessageHandler previous = qInstallMessageHandler(
-        [](QtMsgType, const QMessageLogContext&, const QString&) { ++messages; });
+    const MessageCounter messages;
     {
         CTemporarySettings overlay(nullptr);
         CSettings::setTemporarySettings(overlay);
         CSettings().logWhenTempSettingsDeleted();
     }
     CSettings::removeTemporarySettings();
-    qInstallMessageHandler(previous);
-    QCOMPARE(messages, 0);
+    QCOMPARE(messages.count(), 0);
 }
 
 void tst_Logger::textIsUtf8WithoutALineEnding()

@@ -1,6 +1,7 @@
 #include "MessageBox.h"
 
 #include "IconViewer.h"
+#include "MessageCounter.h"
 #include "RecordingLogger.h"
 #include "ScriptedRun.h"
 #include "Scripting.h"
@@ -19,6 +20,7 @@
 #include <QTranslator>
 
 #include <functional>
+#include <optional>
 #include <type_traits>
 #include <vector>
 
@@ -274,7 +276,6 @@ class tst_MessageBox : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
     void init();
     void cleanup();
 
@@ -309,33 +310,20 @@ private Q_SLOTS:
     void exitWithScriptingInstance();
 
 private:
-    static int s_messages;
-    static QtMessageHandler s_printer;
+    std::optional<MessageCounter> m_messages;
 };
-
-int tst_MessageBox::s_messages = 0;
-QtMessageHandler tst_MessageBox::s_printer = nullptr;
-
-void tst_MessageBox::initTestCase()
-{
-    s_printer = qInstallMessageHandler(
-        [](QtMsgType type, const QMessageLogContext& context, const QString& message) {
-            // Which the offscreen platform says of every dialog.
-            if (message.contains(QLatin1String("propagateSizeHints")))
-                return;
-            ++s_messages;
-            s_printer(type, context, message);
-        });
-}
 
 void tst_MessageBox::init()
 {
-    s_messages = 0;
+    // Which the offscreen platform says of every dialog.
+    m_messages.emplace({"propagateSizeHints"});
 }
 
 void tst_MessageBox::cleanup()
 {
-    QCOMPARE(s_messages, 0);
+    const int messages = m_messages->count();
+    m_messages.reset();
+    QCOMPARE(messages, 0);
 }
 
 void tst_MessageBox::metaObject()

@@ -1,3 +1,4 @@
+#include "MessageCounter.h"
 #include "RecordingLogger.h"
 #include "Settings.h"
 #include "TemporarySettings.h"
@@ -787,18 +788,14 @@ void tst_Settings::theLinesCanBeAskedFor()
 
 void tst_Settings::withoutALoggerTheEndGoesUnreported()
 {
-    static int messages;
-    messages = 0;
-    const QtMessageHandler previous = qInstallMessageHandler(
-        [](QtMsgType, const QMessageLogContext&, const QString&) { ++messages; });
+    const MessageCounter messages;
     {
         QScopedPointer<Overlay> overlay(new Overlay);
         CSettings settings;
         overlay.reset();
         settings.logWhenTempSettingsDeleted();
     }
-    qInstallMessageHandler(previous);
-    QCOMPARE(messages, 0);
+    QCOMPARE(messages.count(), 0);
 }
 
 void tst_Settings::installingRedirectsTheNextOperation()

@@ -1,3 +1,5 @@
+#include "CurrentFolder.h"
+#include "MessageCounter.h"
 #include "OrdinaryFileRights.h"
 #include "RecordingLogger.h"
 #include "Settings.h"
@@ -35,18 +37,6 @@ QString folderOf(const QString& path)
 {
     return QFileInfo(path).path();
 }
-
-class CurrentFolder
-{
-public:
-    explicit CurrentFolder(const QString& path) { QDir::setCurrent(path); }
-    ~CurrentFolder() { QDir::setCurrent(m_previous); }
-
-private:
-    Q_DISABLE_COPY(CurrentFolder)
-
-    const QString m_previous = QDir::currentPath();
-};
 
 /// Temporary folders can't be made while it lives, and nothing can be written in root's name.
 class NoTemporaryFolder
@@ -510,11 +500,8 @@ void tst_TemporarySettings::anInvalidFolderIsLoggedAndConstructionGoesOn()
 
 void tst_TemporarySettings::withoutALoggerAnInvalidFolderGoesUnreported()
 {
-    static int messages;
-    messages = 0;
     const NoTemporaryFolder missing;
-    const QtMessageHandler previous = qInstallMessageHandler(
-        [](QtMsgType, const QMessageLogContext&, const QString&) { ++messages; });
+    const MessageCounter messages;
     {
         CTemporarySettings settings(nullptr);
         settings.setValue(QStringLiteral("k"), 1);
@@ -522,8 +509,7 @@ void tst_TemporarySettings::withoutALoggerAnInvalidFolderGoesUnreported()
         settings.clear();
         settings.sync();
     }
-    qInstallMessageHandler(previous);
-    QCOMPARE(messages, 0);
+    QCOMPARE(messages.count(), 0);
 }
 
 void tst_TemporarySettings::anOverlayWithAnInvalidFolderIsUsedAllTheSame()

@@ -1,6 +1,7 @@
 #include "WaitFunctions.h"
 
 #include "DelayedCall.h"
+#include "MessageCounter.h"
 
 #include <QApplication>
 #include <QCursor>
@@ -632,8 +633,6 @@ void tst_WaitFunctions::waitNonBlockingAtomicIntValueWaitsForTheValue()
 
 void tst_WaitFunctions::workerThreadWaitsUnfilteredInSilence()
 {
-    static std::atomic<int> messages;
-    messages = 0;
     Window window;
     window.activate();
     const ApplicationWatch watch;
@@ -641,8 +640,7 @@ void tst_WaitFunctions::workerThreadWaitsUnfilteredInSilence()
     std::atomic<bool> go{false};
     bool served = false;
 
-    const QtMessageHandler previous = qInstallMessageHandler(
-        [](QtMsgType, const QMessageLogContext&, const QString&) { ++messages; });
+    const MessageCounter messages;
     std::thread worker([&] {
         QEventLoop dispatcherOfThisThread;
         Bystander bystander;
@@ -659,12 +657,11 @@ void tst_WaitFunctions::workerThreadWaitsUnfilteredInSilence()
     const bool swallowed = keysAreSwallowed();
     go = true;
     worker.join();
-    qInstallMessageHandler(previous);
 
     QVERIFY(served);
     QVERIFY(!swallowed);
     QCOMPARE(watch.added, 0);
-    QCOMPARE(messages.load(), 0);
+    QCOMPARE(messages.count(), 0);
 }
 
 void tst_WaitFunctions::withoutTheFlagUserInputIsNotExcluded()
