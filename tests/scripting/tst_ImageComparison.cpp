@@ -443,7 +443,7 @@ void tst_ImageComparison::smallerFormatsAreNotReadPastTheirLines_data()
     }
 }
 
-/// What the result is doesn't matter, but that it is the same whatever lies behind the picture.
+/// What the result is doesn't matter, but that it is the same whatever lies behind the pixels.
 void tst_ImageComparison::smallerFormatsAreNotReadPastTheirLines()
 {
     QFETCH(QImage::Format, format);
@@ -452,11 +452,14 @@ void tst_ImageComparison::smallerFormatsAreNotReadPastTheirLines()
     const int height = 2;
     const QImage example(width, height, format);
     const auto size = size_t(example.sizeInBytes());
-    // Equal pictures, and something else right behind each of them.
+    // Equal pictures, and something else behind each line and right behind the pictures.
     std::vector<uchar> bytes1(size + size_t(width) * 4, 0x11);
     std::vector<uchar> bytes2(size + size_t(width) * 4, 0x22);
-    std::fill_n(bytes1.begin(), size, uchar(0x55));
-    std::fill_n(bytes2.begin(), size, uchar(0x55));
+    for (int y = 0; y < height; ++y) {
+        const int line = y * example.bytesPerLine();
+        std::fill_n(bytes1.begin() + line, width * example.depth() / 8, uchar(0x55));
+        std::fill_n(bytes2.begin() + line, width * example.depth() / 8, uchar(0x55));
+    }
     const QImage image1(bytes1.data(), width, height, example.bytesPerLine(), format);
     const QImage image2(bytes2.data(), width, height, example.bytesPerLine(), format);
     double diff = -1.0;

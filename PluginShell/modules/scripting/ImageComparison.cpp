@@ -126,6 +126,13 @@ private:
     double m_value = 0.0;
 };
 
+/// The words of a row that hold nothing but pixels: a row of a smaller format ends earlier, and is
+/// filled up with anything.
+int wordsPerRow(const QImage& image)
+{
+    return int(qint64(image.width()) * image.depth() / 32);
+}
+
 } // namespace
 
 int compareImages(const QImage& image1, const QImage& image2, double* diff, double tolerance)
@@ -137,8 +144,7 @@ int compareImages(const QImage& image1, const QImage& image2, double* diff, doub
 
     // In 32 bits, as ever.
     const double channels = qint32(quint32(image1.width()) * quint32(image1.height()) * quint32(3));
-    // A row of a smaller format ends earlier.
-    const int words = qMin(image1.width(), qMin(image1.bytesPerLine(), image2.bytesPerLine()) / 4);
+    const int words = qMin(image1.width(), qMin(wordsPerRow(image1), wordsPerRow(image2)));
 
     DifferenceSum sum;
     double difference = 0.0;
