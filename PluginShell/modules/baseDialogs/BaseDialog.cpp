@@ -46,7 +46,7 @@ void CBaseDialog::showEvent(QShowEvent* event)
 
     Singleton<CScripting>::instance().makeObjectScriptable(objectName(), this);
     m_firstShow = false;
-    Platform::disableWindowAnimation(winId());
+    Platform::setWindowAnimationEnabled(winId(), false);
     QDialog::showEvent(event);
     moveToScreenCenter();
     CDelayedCall::invoke(100, this, "sendNotification", true);

@@ -2,27 +2,206 @@
 
 #include "UtilsDllGlobal.h"
 
+#include <QDateTime>
+#include <QList>
+#include <QSizeF>
 #include <QString>
+#include <QUrl>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+class CWindowFullScreenModeSwitchHandler_Abstract;
+class QMenu;
+class QWidget;
 
 /// The seam: everything that the library needs from an operating system. Each backend folder
-/// implements all of it; an operation is a thin call and decides nothing.
+/// implements all of it; an operation is a thin call and decides nothing. Nothing here throws, logs
+/// or prints. GUI thread, unless an operation says more.
 namespace VEK_NAMESPACE {
 namespace Platform {
+
+/// Something that is told of events until it is stopped or destroyed. It may be stopped, but not
+/// destroyed, while it is being told.
+class Observer
+{
+public:
+    Observer() = default;
+    virtual ~Observer() = default;
+    virtual void stop() = 0;
+
+private:
+    Q_DISABLE_COPY(Observer)
+};
+
+/// \name Folders and users
+/// Any thread.
+/// @{
 
 /// The folder of the product's settings, with a separator at its end. It need not exist.
 QString systemFolder();
 
-// Windows, by the value of QWidget::winId(). An unknown window is left alone, and so is every
-// window where the platform has no such thing.
+/// The home folder in the real user's password entry; nothing if there is no entry.
+std::optional<QString> homeFolder();
 
-/// Lifts a window to the level of modal panels and in front of all others. The level stays.
-void bringToModalPanelLevel(unsigned long long windowId);
+/// The home folder of the user whose login session this process belongs to; nothing outside one.
+std::optional<QString> sessionUserHomeFolder();
 
-/// Lets a window come up without the system's animation.
-void disableWindowAnimation(unsigned long long windowId);
+/// @}
+
+/// \name Windows
+/// By the value of QWidget::winId(). An unknown window is left alone, and so is every window where
+/// the platform has no such thing; the results are then false or nothing.
+/// @{
+
+using WindowId = unsigned long long;
+
+bool isWindow(WindowId id);
+
+void minimizeWindow(WindowId id);
+void restoreMinimizedWindow(WindowId id);
+
+bool isFullScreen(WindowId id);
+void toggleFullScreen(WindowId id);
+/// Gives a window what a user needs to switch it to full screen.
+void allowFullScreen(WindowId id);
+/// Tells \a handler when the window has entered and left full screen. Null for an unknown window.
+std::unique_ptr<Observer> observeFullScreen(WindowId id,
+                                            CWindowFullScreenModeSwitchHandler_Abstract* handler);
+
+enum class WindowLevel
+{
+    Normal,
+    Floating,
+    ModalPanel
+};
+
+/// A window stays in front of all windows of a lower level, also when it is hidden and shown again.
+void setWindowLevel(WindowId id, WindowLevel level);
+/// In front of, or behind, all windows of its level.
+void orderWindowFront(WindowId id);
+void orderWindowBack(WindowId id);
 
 /// Enables or disables the close button of a window's title bar.
-void setCloseButtonEnabled(unsigned long long windowId, bool enable);
+void setCloseButtonEnabled(WindowId id, bool enable);
+/// Whether a window comes up with the system's animation.
+void setWindowAnimationEnabled(WindowId id, bool enable);
+/// Lets the overview of all windows manage this one.
+void setManagedInExpose(WindowId id);
+
+/// The number of the display that a window is on; nothing for a window that isn't on any.
+std::optional<unsigned> displayNumber(WindowId id);
+
+/// @}
+
+/// \name The application among others
+/// @{
+
+bool isApplicationActive();
+/// Makes this process the active application, for the sake of \a window.
+void activateApplication(const QWidget& window);
+
+/// Calls \a onResign when the application is no longer active and when one of its windows is
+/// minimised.
+std::unique_ptr<Observer> observeResign(std::function<void()> onResign);
+
+/// Keeps a window at the floating level while the application is active, and at the normal one
+/// otherwise, from the next change on.
+class FloatingWhileActive : public Observer
+{
+public:
+    virtual void setWindow(WindowId id) = 0;
+};
+std::unique_ptr<FloatingWhileActive> floatWhileActive(WindowId id);
+
+void setMenuBarEnabled(bool enable);
+/// Leaves the system's own entries out of the Edit menu.
+void removeSpecialEditMenuItems();
+void cancelMenuTracking(QMenu& menu);
+void endModalSession();
+/// Each hiding wants a showing of its own.
+void showCursor(bool show);
+
+/// Starts a program without arguments and doesn't wait for it. \a path is UTF-8.
+void launch(const char* path);
+
+/// @}
+
+/// \name Messages between the processes of the logged-in user
+/// A message has a name and one text. Without a channel for it nothing is sent and none arrives;
+/// none is started.
+/// @{
+
+void postNotification(const QString& name, const QString& text);
+
+/// Calls \a onReceived for each message of that name, whichever process sent it. What it has been
+/// told to is called from the event loop. Null without a channel.
+std::unique_ptr<Observer> observeNotification(const QString& name,
+                                              std::function<void(const QString&)> onReceived);
+
+/// @}
+
+/// \name Bundles, processes, screens
+/// Empty results mean that there is no such thing. Any thread, but for the screen.
+/// @{
+
+/// The path of the bundle with that identifier, and of its resources.
+QString bundlePath(const QString& identifier);
+QString bundleResourcePath(const QString& identifier);
+
+/// The version of the operating system as it tells it to people.
+QString systemVersionText();
+
+QString processName();
+qint64 currentProcess();
+/// The first running application of that display name.
+std::optional<qint64> findApplication(const QString& displayName);
+QString executablePath(qint64 process);
+
+/// The text of one entry at the top of a property list; empty if it isn't a text.
+QString propertyListText(const QString& file, const QString& key);
+
+struct Screen
+{
+    QSizeF points;
+    QSizeF millimetres; ///< 0 where the screen doesn't tell
+};
+std::optional<Screen> mainScreen();
+
+/// @}
+
+/// \name Files
+/// @{
+
+/// Whether there is a trash that \a file could be moved to.
+bool hasTrash(const QString& file);
+bool moveToTrash(const QString& file);
+
+/// Opens the file manager on \a files, which are selected in it.
+void showInFileManager(const QList<QUrl>& files);
+
+/// In local time and whole seconds; null where the file system doesn't know it.
+QDateTime creationTime(const QString& file);
+
+/// @}
+
+/// \name Fatal alerts
+/// An alert is shown when the program can't go on: the texts are made ready beforehand, and showing
+/// them allocates nothing and calls nothing of Qt. showAlert() returns when the user has seen it.
+/// @{
+
+struct AlertText;
+struct AlertTextDeleter
+{
+    void operator()(AlertText* text) const;
+};
+using AlertTextPointer = std::unique_ptr<AlertText, AlertTextDeleter>;
+
+AlertTextPointer makeAlertText(const QString& text);
+void showAlert(const AlertText& title, const AlertText& text);
+
+/// @}
 
 } // namespace Platform
 } // namespace VEK_NAMESPACE

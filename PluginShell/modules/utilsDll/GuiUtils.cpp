@@ -60,8 +60,10 @@ void moveWindowToScreenCenter(QWidget* window, QWidget* parent)
         window->move(centredTopLeft(screen, window->frameGeometry()));
 
     QTimer::singleShot(0, window, [window] {
-        if (window->winId())
-            Platform::bringToModalPanelLevel(window->winId());
+        if (const WId id = window->winId()) {
+            Platform::setWindowLevel(id, Platform::WindowLevel::ModalPanel);
+            Platform::orderWindowFront(id);
+        }
     });
 }
 

@@ -1,7 +1,11 @@
 #include "CommonConstants.h"
 #include "PlatformServices_p.h"
+#include "posix/PasswordEntry_p.h"
 
 #include <QStandardPaths>
+
+#include <systemd/sd-login.h>
+#include <unistd.h>
 
 namespace VEK_NAMESPACE {
 namespace Platform {
@@ -13,6 +17,19 @@ QString systemFolder()
         return siteFolder + QLatin1Char('/');
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
         + QStringLiteral("/Vek Labs/krnv3/");
+}
+
+std::optional<QString> homeFolder()
+{
+    return homeFolderOfUser(getuid());
+}
+
+std::optional<QString> sessionUserHomeFolder()
+{
+    uid_t user = 0;
+    if (sd_pid_get_owner_uid(0, &user) < 0)
+        return std::nullopt;
+    return homeFolderOfUser(user);
 }
 
 } // namespace Platform

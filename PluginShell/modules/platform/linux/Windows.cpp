@@ -1,12 +1,15 @@
 #include "CommonConstants.h"
 #include "PlatformServices_p.h"
+#include "WindowServices.h"
 
 #include <KWindowInfo>
 #include <KWindowSystem>
 #include <KX11Extras>
 
-#include <QCoreApplication>
 #include <QEvent>
+#include <QGuiApplication>
+#include <QPointer>
+#include <QScreen>
 #include <QWidget>
 #include <QWindow>
 
@@ -15,14 +18,20 @@ namespace Platform {
 
 namespace {
 
+QWidget* findTopLevel(WindowId id)
+{
+    const QWidget* widget = QWidget::find(WId(id));
+    return widget && widget->window()->windowHandle() ? widget->window() : nullptr;
+}
+
 /// The top-level window of a handle of this process, or null where windows aren't those of X11:
 /// elsewhere the requests below would only print warnings.
-QWindow* x11Window(unsigned long long windowId)
+QWindow* findX11Window(WindowId id)
 {
     if (!KWindowSystem::isPlatformX11())
         return nullptr;
-    const QWidget* widget = QWidget::find(WId(windowId));
-    return widget ? widget->window()->windowHandle() : nullptr;
+    const QWidget* widget = findTopLevel(id);
+    return widget ? widget->windowHandle() : nullptr;
 }
 
 /// Requests to the window manager otherwise stay in the connection's buffer.
@@ -31,20 +40,29 @@ void flushRequests(const QWindow* window)
     (void)KWindowInfo(window->winId(), NET::WMState).valid();
 }
 
+template <typename T>
+T* childOf(const QWindow* window)
+{
+    return static_cast<T*>(
+        window->findChild<QObject*>(QLatin1String(T::name), Qt::FindDirectChildrenOnly));
+}
+
 /// Keeps a window in front of all others. A window manager doesn't listen before it has taken the
 /// window over, and forgets the state of a window that is hidden, so it is told each time that it
 /// takes the window.
-class ModalPanelLevel : public QObject
+class RaisedLevel : public QObject
 {
 public:
-    explicit ModalPanelLevel(QWindow* window)
+    static constexpr auto name = "RaisedLevel";
+
+    explicit RaisedLevel(QWindow* window)
         : QObject(window)
         , m_waits(!window->isExposed())
     {
-        setObjectName(QStringLiteral("ModalPanelLevel"));
+        setObjectName(QLatin1String(name));
         connect(KX11Extras::self(), &KX11Extras::windowAdded, this, [window](WId id) {
-            if (id == window->winId())
-                lift(window);
+            if (window->handle() && id == window->winId())
+                request(window);
         });
         window->installEventFilter(this);
     }
@@ -56,29 +74,20 @@ public:
             m_waits = true;
         if (event->type() == QEvent::Expose && window->isExposed() && m_waits) {
             m_waits = false;
-            lift(window);
+            request(window);
         }
         return QObject::eventFilter(watched, event);
     }
 
-    static void set(QWindow* window)
+    static void request(const QWindow* window)
     {
-        if (!window->findChild<QObject*>(QStringLiteral("ModalPanelLevel"),
-                                         Qt::FindDirectChildrenOnly)) {
-            new ModalPanelLevel(window);
-        }
-        lift(window);
+        KWindowSystem::clearState(window->winId(), NET::KeepBelow);
+        KWindowSystem::setState(window->winId(), NET::KeepAbove);
+        flushRequests(window);
     }
 
 private:
     bool m_waits; ///< until the window manager has shown the window
-
-    static void lift(QWindow* window)
-    {
-        KWindowSystem::setState(window->winId(), NET::KeepAbove);
-        window->raise();
-        flushRequests(window);
-    }
 };
 
 /// Takes the close button away as long as it lives. The hint is all that the window manager is
@@ -86,28 +95,18 @@ private:
 class CloseButtonDisabler : public QObject
 {
 public:
+    static constexpr auto name = "CloseButtonDisabler";
+
     explicit CloseButtonDisabler(QWindow* window)
         : QObject(window)
         , m_oldFlags(window->flags())
     {
-        setObjectName(QStringLiteral("CloseButtonDisabler"));
+        setObjectName(QLatin1String(name));
         window->setFlags((m_oldFlags | Qt::CustomizeWindowHint) & ~Qt::WindowCloseButtonHint);
         window->installEventFilter(this);
     }
 
-    static QObject* of(const QWindow* window)
-    {
-        return window->findChild<QObject*>(QStringLiteral("CloseButtonDisabler"),
-                                           Qt::FindDirectChildrenOnly);
-    }
-
-    static void enable(QWindow* window)
-    {
-        if (auto* disabler = static_cast<CloseButtonDisabler*>(of(window))) {
-            window->setFlags(disabler->m_oldFlags);
-            delete disabler;
-        }
-    }
+    Qt::WindowFlags oldFlags() const { return m_oldFlags; }
 
     bool eventFilter(QObject* watched, QEvent* event) override
     {
@@ -121,30 +120,174 @@ private:
     const Qt::WindowFlags m_oldFlags;
 };
 
+/// Several events tell of one switch, so what counts is how the window was before.
+class FullScreenObserver : public QObject, public Observer
+{
+public:
+    FullScreenObserver(QWidget* window, CWindowFullScreenModeSwitchHandler_Abstract* handler)
+        : m_window(window)
+        , m_handler(handler)
+        , m_fullScreen(window->isFullScreen())
+    {
+        window->installEventFilter(this);
+    }
+
+    void stop() override
+    {
+        if (m_window)
+            m_window->removeEventFilter(this);
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::WindowStateChange
+            && m_window->isFullScreen() != m_fullScreen) {
+            m_fullScreen = !m_fullScreen;
+            if (m_fullScreen)
+                m_handler->onEnterFullScreen();
+            else
+                m_handler->onExitFullScreen();
+            return false; // either may have ended this observer
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    const QPointer<QWidget> m_window;
+    CWindowFullScreenModeSwitchHandler_Abstract* const m_handler;
+    bool m_fullScreen;
+};
+
 } // namespace
 
-void bringToModalPanelLevel(unsigned long long windowId)
+bool isWindow(WindowId id)
 {
-    if (QWindow* window = x11Window(windowId))
-        ModalPanelLevel::set(window);
+    return findTopLevel(id);
 }
 
-void disableWindowAnimation(unsigned long long windowId)
+void minimizeWindow(WindowId id)
 {
-    // Window managers here have no such animation that a window could turn off.
-    (void)windowId;
-}
-
-void setCloseButtonEnabled(unsigned long long windowId, bool enable)
-{
-    QWindow* window = x11Window(windowId);
+    QWidget* window = findTopLevel(id);
     if (!window)
         return;
-    if (enable)
-        CloseButtonDisabler::enable(window);
-    else if (!CloseButtonDisabler::of(window))
-        new CloseButtonDisabler(window);
+    if (!KWindowSystem::isPlatformX11()) {
+        window->setWindowState(window->windowState() | Qt::WindowMinimized);
+        return;
+    }
+    KX11Extras::minimizeWindow(window->windowHandle()->winId());
+    flushRequests(window->windowHandle());
+}
+
+void restoreMinimizedWindow(WindowId id)
+{
+    QWidget* window = findTopLevel(id);
+    if (!window || !window->isVisible()) // the request would map a hidden window
+        return;
+    if (!KWindowSystem::isPlatformX11()) {
+        window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+        return;
+    }
+    KX11Extras::unminimizeWindow(window->windowHandle()->winId());
+    flushRequests(window->windowHandle());
+}
+
+bool isFullScreen(WindowId id)
+{
+    const QWidget* window = findTopLevel(id);
+    return window && window->isFullScreen();
+}
+
+void toggleFullScreen(WindowId id)
+{
+    if (QWidget* window = findTopLevel(id))
+        window->setWindowState(window->windowState() ^ Qt::WindowFullScreen);
+}
+
+void allowFullScreen(WindowId id)
+{
+    // Every window may be switched to full screen here.
+    (void)id;
+}
+
+std::unique_ptr<Observer> observeFullScreen(WindowId id,
+                                            CWindowFullScreenModeSwitchHandler_Abstract* handler)
+{
+    QWidget* window = findTopLevel(id);
+    if (!window)
+        return nullptr;
+    return std::make_unique<FullScreenObserver>(window, handler);
+}
+
+void setWindowLevel(WindowId id, WindowLevel level)
+{
+    QWindow* window = findX11Window(id);
+    if (!window)
+        return;
+    // Window managers know one level above the normal one.
+    if (level != WindowLevel::Normal) {
+        if (!childOf<RaisedLevel>(window))
+            new RaisedLevel(window);
+        RaisedLevel::request(window);
+        return;
+    }
+    delete childOf<RaisedLevel>(window);
+    KWindowSystem::clearState(window->winId(), NET::KeepAbove | NET::KeepBelow);
     flushRequests(window);
+}
+
+void orderWindowFront(WindowId id)
+{
+    if (QWindow* window = findX11Window(id)) {
+        window->raise();
+        flushRequests(window);
+    }
+}
+
+void orderWindowBack(WindowId id)
+{
+    if (QWindow* window = findX11Window(id)) {
+        window->lower();
+        flushRequests(window);
+    }
+}
+
+void setCloseButtonEnabled(WindowId id, bool enable)
+{
+    QWindow* window = findX11Window(id);
+    if (!window)
+        return;
+    const auto* disabler = childOf<CloseButtonDisabler>(window);
+    if (enable && disabler) {
+        window->setFlags(disabler->oldFlags());
+        delete disabler;
+    } else if (!enable && !disabler) {
+        new CloseButtonDisabler(window);
+    }
+    flushRequests(window);
+}
+
+void setWindowAnimationEnabled(WindowId id, bool enable)
+{
+    // Window managers here have no such animation that a window could turn off.
+    (void)id;
+    (void)enable;
+}
+
+void setManagedInExpose(WindowId id)
+{
+    // Overviews show every window here.
+    (void)id;
+}
+
+std::optional<unsigned> displayNumber(WindowId id)
+{
+    const QWindow* window = findX11Window(id);
+    if (!window || !window->isVisible())
+        return std::nullopt;
+    const QScreen* screen = window->screen();
+    if (!screen || !screen->geometry().intersects(window->geometry()))
+        return std::nullopt;
+    return unsigned(QGuiApplication::screens().indexOf(const_cast<QScreen*>(screen)) + 1);
 }
 
 } // namespace Platform

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "UtilsDllGlobal.h"
+
+#include <QString>
+
+#include <list>
+#include <string>
+
+namespace VEK_NAMESPACE {
+namespace Private {
+
+/// The arguments in a file that holds one a line, in UTF-8, empty lines dropped. None if the file
+/// can't be read, isn't a plain file, or isn't UTF-8 from end to end.
+std::list<std::string> readArgumentsFile(const QString& path);
+
+} // namespace Private
+} // namespace VEK_NAMESPACE

@@ -1,0 +1,218 @@
+#include "WindowServices.h"
+
+#include "CommonConstants.h"
+#include "PlatformServices_p.h"
+
+#include <QWidget>
+
+#include <cstdlib>
+#include <map>
+#include <memory>
+
+using namespace VEK_NAMESPACE;
+
+namespace {
+
+/// The one full-screen observer of the main window; may be null.
+std::unique_ptr<Platform::Observer>& mainWindowObserver()
+{
+    static std::unique_ptr<Platform::Observer> observer;
+    return observer;
+}
+
+using Responders = std::map<const QWidget*, std::unique_ptr<Platform::FloatingWhileActive>>;
+
+Responders& responders()
+{
+    static Responders widgets;
+    return widgets;
+}
+
+/// Reads the numbers at the beginning of a version text one after the other.
+class VersionScanner
+{
+public:
+    explicit VersionScanner(const QString& version)
+        : m_text(version.toLatin1())
+        , m_position(m_text.constData())
+    {}
+
+    /// The next number, or -1, and then the place stays.
+    long next()
+    {
+        const char* start = m_position;
+        while (*start == '.' || isSpace(*start))
+            ++start;
+        char* end = nullptr;
+        const long number = std::strtol(start, &end, 10);
+        if (end == start)
+            return -1;
+        m_position = end;
+        return number;
+    }
+
+private:
+    static bool isSpace(char character)
+    {
+        return character == ' ' || (character >= '\t' && character <= '\r');
+    }
+
+    const QByteArray m_text;
+    const char* m_position;
+};
+
+Platform::WindowLevel level(bool modal)
+{
+    return modal ? Platform::WindowLevel::ModalPanel : Platform::WindowLevel::Normal;
+}
+
+} // namespace
+
+void MacOSMinimizeWindow(unsigned long long winId)
+{
+    if (winId)
+        Platform::minimizeWindow(winId);
+}
+
+void MacOSDeminituarize(unsigned long long winId)
+{
+    if (winId)
+        Platform::restoreMinimizedWindow(winId);
+}
+
+bool MacOSIsFullScreenMode(unsigned long long winId)
+{
+    return winId && Platform::isFullScreen(winId);
+}
+
+void MacOSToggleFullScreenMode(unsigned long long winId)
+{
+    if (winId)
+        Platform::toggleFullScreen(winId);
+}
+
+void MacOSSetFullscreenCapable(unsigned long long winId,
+                               CWindowFullScreenModeSwitchHandler_Abstract* handler)
+{
+    mainWindowObserver().reset();
+    if (!winId || !Platform::isWindow(winId))
+        return;
+
+    Platform::allowFullScreen(winId);
+    if (handler)
+        mainWindowObserver() = Platform::observeFullScreen(winId, handler);
+}
+
+void MacOSOnFullScreenModeSwitchHandlerDeleted()
+{
+    if (mainWindowObserver())
+        mainWindowObserver()->stop();
+    mainWindowObserver().reset();
+}
+
+void MacOSSetClosingWindowEnabled(unsigned long long winId, bool enabled)
+{
+    if (winId)
+        Platform::setCloseButtonEnabled(winId, enabled);
+}
+
+void MacOSBringToTop(unsigned long long winId, bool modal)
+{
+    if (!winId)
+        return;
+    Platform::setWindowLevel(winId, level(modal));
+    Platform::orderWindowFront(winId);
+}
+
+void MacOSBringToBottom(unsigned long long winId, bool modal)
+{
+    if (!winId)
+        return;
+    Platform::setWindowLevel(winId, level(modal));
+    Platform::orderWindowBack(winId);
+}
+
+void MacOSSetBehaviorForExpose(unsigned long long winId)
+{
+    if (winId && auxMacOsIsOperatingSystemAtLeastVersion(Platform::systemVersionText(), 10, 6, 0)) {
+        Platform::setManagedInExpose(winId);
+    }
+}
+
+unsigned int MacOSGetDisplayID(unsigned long long winId, bool& ok)
+{
+    const std::optional<unsigned> number =
+        winId ? Platform::displayNumber(winId) : std::optional<unsigned>();
+    ok = number.has_value();
+    return number.value_or(0);
+}
+
+void MacOSEnableWindowAnimation(QWidget const& widget, bool enabled)
+{
+    if (const WId id = widget.winId())
+        Platform::setWindowAnimationEnabled(id, enabled);
+}
+
+void MacOSSetupNSApplicationNotificationResponder(QWidget const& widget)
+{
+    const WId id = widget.winId();
+    if (!id || !Platform::isWindow(id))
+        return;
+
+    auto& responder = responders()[&widget];
+    if (responder)
+        responder->setWindow(id);
+    else
+        responder = Platform::floatWhileActive(id);
+}
+
+void MacOSRemoveNSApplicationNotificationResponder(QWidget const& widget)
+{
+    responders().erase(&widget);
+}
+
+void MacOSEnableMenuBar(bool enabled)
+{
+    Platform::setMenuBarEnabled(enabled);
+}
+
+void MacOSDeleteSpecialEditMenuItems()
+{
+    Platform::removeSpecialEditMenuItems();
+}
+
+void MacOSHideMenuWidget(QMenu* menu)
+{
+    if (menu)
+        Platform::cancelMenuTracking(*menu);
+}
+
+void MacOSEndModalSession()
+{
+    Platform::endModalSession();
+}
+
+void MacOSShowCursor(bool show)
+{
+    Platform::showCursor(show);
+}
+
+void MacOSLaunchApplication(char const* path)
+{
+    if (path)
+        Platform::launch(path);
+}
+
+bool auxMacOsIsOperatingSystemAtLeastVersion(QString const& version, long major, long minor,
+                                             long patch)
+{
+    VersionScanner scanner(version);
+    const long a = scanner.next();
+    const long b = scanner.next();
+    const long c = scanner.next();
+
+    if (a < major || (a == major && b < minor))
+        return false;
+    // Whether or not the major version is a later one: see the header.
+    return c >= patch || b != minor;
+}

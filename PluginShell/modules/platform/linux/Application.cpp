@@ -1,0 +1,163 @@
+#include "CommonConstants.h"
+#include "PlatformServices_p.h"
+
+#include <KWindowSystem>
+#include <KX11Extras>
+
+#include <QApplication>
+#include <QDialog>
+#include <QFileInfo>
+#include <QMenu>
+#include <QMenuBar>
+#include <QProcess>
+#include <QSysInfo>
+#include <QWindow>
+#include <QWindowStateChangeEvent>
+
+namespace VEK_NAMESPACE {
+namespace Platform {
+
+namespace {
+
+class ResignObserver : public QObject, public Observer
+{
+public:
+    explicit ResignObserver(std::function<void()> onResign)
+        : m_onResign(std::move(onResign))
+    {
+        connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
+                [this](Qt::ApplicationState state) {
+                    if (state != Qt::ApplicationActive)
+                        m_onResign();
+                });
+        qApp->installEventFilter(this);
+    }
+
+    void stop() override
+    {
+        if (!qApp)
+            return;
+        disconnect(qApp, nullptr, this, nullptr);
+        qApp->removeEventFilter(this);
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::WindowStateChange && watched->isWidgetType()) {
+            const auto* window = static_cast<const QWidget*>(watched);
+            const auto oldState = static_cast<const QWindowStateChangeEvent*>(event)->oldState();
+            if (window->isWindow() && window->isMinimized() && !(oldState & Qt::WindowMinimized))
+                m_onResign();
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    const std::function<void()> m_onResign;
+};
+
+class WindowFloatingWhileActive : public QObject, public FloatingWhileActive
+{
+public:
+    explicit WindowFloatingWhileActive(WindowId id)
+        : m_window(id)
+    {
+        connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
+                [this](Qt::ApplicationState state) {
+                    setWindowLevel(m_window,
+                                   state == Qt::ApplicationActive ? WindowLevel::Floating
+                                                                  : WindowLevel::Normal);
+                });
+    }
+
+    void stop() override
+    {
+        if (qApp)
+            disconnect(qApp, nullptr, this, nullptr);
+    }
+
+    void setWindow(WindowId id) override { m_window = id; }
+
+private:
+    WindowId m_window;
+};
+
+} // namespace
+
+bool isApplicationActive()
+{
+    return QGuiApplication::applicationState() == Qt::ApplicationActive;
+}
+
+void activateApplication(const QWidget& window)
+{
+    const QWindow* handle = window.window()->windowHandle();
+    if (handle && KWindowSystem::isPlatformX11())
+        KX11Extras::forceActiveWindow(handle->winId());
+}
+
+std::unique_ptr<Observer> observeResign(std::function<void()> onResign)
+{
+    if (!qApp)
+        return nullptr;
+    return std::make_unique<ResignObserver>(std::move(onResign));
+}
+
+std::unique_ptr<FloatingWhileActive> floatWhileActive(WindowId id)
+{
+    return std::make_unique<WindowFloatingWhileActive>(id);
+}
+
+void setMenuBarEnabled(bool enable)
+{
+    const QWidgetList widgets = QApplication::allWidgets();
+    for (const QWidget* widget : widgets) {
+        if (const auto* menuBar = qobject_cast<const QMenuBar*>(widget)) {
+            const auto entries = menuBar->actions();
+            for (QAction* entry : entries)
+                entry->setEnabled(enable);
+        }
+    }
+}
+
+void removeSpecialEditMenuItems()
+{
+    // No system adds entries to an application's menu here.
+}
+
+void cancelMenuTracking(QMenu& menu)
+{
+    menu.close();
+}
+
+void endModalSession()
+{
+    if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
+        dialog->reject();
+}
+
+void showCursor(bool show)
+{
+    static int hidden = 0;
+    if (!show) {
+        ++hidden;
+        QGuiApplication::setOverrideCursor(Qt::BlankCursor);
+    } else if (hidden > 0) {
+        --hidden;
+        QGuiApplication::restoreOverrideCursor();
+    }
+}
+
+void launch(const char* path)
+{
+    if (*path)
+        QProcess::startDetached(QFileInfo(QString::fromUtf8(path)).absoluteFilePath(), {});
+}
+
+QString systemVersionText()
+{
+    return QSysInfo::prettyProductName();
+}
+
+} // namespace Platform
+} // namespace VEK_NAMESPACE

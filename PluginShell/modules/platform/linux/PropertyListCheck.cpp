@@ -1,0 +1,129 @@
+#include "PropertyListCheck_p.h"
+
+#include "CommonConstants.h"
+
+#include <optional>
+#include <vector>
+
+namespace VEK_NAMESPACE {
+namespace Platform {
+
+namespace {
+
+constexpr int deepest = 100;
+
+/// Walks through the containers of a binary list, which ends with the width of an offset, the width
+/// of a reference, three numbers of eight bytes (objects, top object, place of the offsets), and
+/// gives each object as a byte of kind and count, a longer count if need be, and its content.
+class BinaryListWalk
+{
+public:
+    explicit BinaryListWalk(const QByteArray& content)
+        : m_content(content)
+    {}
+
+    bool isTree()
+    {
+        constexpr int trailerSize = 32;
+        const quint64 size = quint64(m_content.size());
+        if (size < 8 + trailerSize)
+            return false;
+        const quint64 trailer = size - trailerSize;
+        m_offsetWidth = quint8(m_content[int(trailer + 6)]);
+        m_referenceWidth = quint8(m_content[int(trailer + 7)]);
+        m_objectCount = number(trailer + 8, 8).value_or(0);
+        const quint64 top = number(trailer + 16, 8).value_or(0);
+        m_offsets = number(trailer + 24, 8).value_or(size);
+        if (m_offsetWidth < 1 || m_offsetWidth > 8 || m_referenceWidth < 1 || m_referenceWidth > 8
+            || m_objectCount > size) {
+            return false;
+        }
+        m_seen.assign(size_t(m_objectCount), false);
+        return walk(top, 0);
+    }
+
+private:
+    std::optional<quint64> number(quint64 place, unsigned width) const
+    {
+        const quint64 size = quint64(m_content.size());
+        if (place > size || width > size - place)
+            return std::nullopt;
+        quint64 value = 0;
+        for (unsigned i = 0; i < width; ++i)
+            value = value << 8 | quint8(m_content[int(place + i)]);
+        return value;
+    }
+
+    bool walk(quint64 object, int depth)
+    {
+        if (object >= m_objectCount || depth > deepest)
+            return false;
+        const auto place = number(m_offsets + object * m_offsetWidth, m_offsetWidth);
+        const auto marker = place ? number(*place, 1) : std::nullopt;
+        if (!marker)
+            return false;
+
+        constexpr unsigned array = 0xA, set = 0xC, dictionary = 0xD;
+        const unsigned kind = unsigned(*marker >> 4);
+        if (kind != array && kind != set && kind != dictionary)
+            return true;
+        if (m_seen[size_t(object)])
+            return false;
+        m_seen[size_t(object)] = true;
+
+        quint64 count = *marker & 0xF;
+        quint64 references = *place + 1;
+        if (count == 0xF) {
+            const auto width = number(references, 1);
+            if (!width || *width >> 4 != 1 || (*width & 0xF) > 3)
+                return false;
+            const unsigned countWidth = 1U << (*width & 0xF);
+            const auto longCount = number(references + 1, countWidth);
+            if (!longCount || *longCount > quint64(m_content.size()))
+                return false;
+            count = *longCount;
+            references += 1 + countWidth;
+        }
+        if (kind == dictionary) // keys, then values
+            count *= 2;
+        for (quint64 i = 0; i < count; ++i) {
+            const auto reference = number(references + i * m_referenceWidth, m_referenceWidth);
+            if (!reference || !walk(*reference, depth + 1))
+                return false;
+        }
+        return true;
+    }
+
+    const QByteArray& m_content;
+    unsigned m_offsetWidth = 0;
+    unsigned m_referenceWidth = 0;
+    quint64 m_objectCount = 0;
+    quint64 m_offsets = 0;
+    std::vector<bool> m_seen;
+};
+
+bool isShallowXml(const QByteArray& content)
+{
+    int depth = 0;
+    for (int i = content.indexOf('<'); i >= 0; i = content.indexOf('<', i + 1)) {
+        const QByteArray tag =
+            QByteArray::fromRawData(content.constData() + i + 1, qMin(6, content.size() - i - 1));
+        if (tag.startsWith("dict") || tag.startsWith("array"))
+            ++depth;
+        else if (tag.startsWith("/dict") || tag.startsWith("/array"))
+            --depth;
+        if (depth > deepest)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool isHarmlessPropertyList(const QByteArray& content)
+{
+    return content.startsWith("bplist") ? BinaryListWalk(content).isTree() : isShallowXml(content);
+}
+
+} // namespace Platform
+} // namespace VEK_NAMESPACE

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "UtilsDllGlobal.h"
+
+#include <QDBusConnection>
+
+#include <optional>
+
+namespace VEK_NAMESPACE {
+namespace Platform {
+
+/// The connection to the session bus that runs already; nothing if none does. Never starts one,
+/// which the bus library would do by itself where there is a display.
+std::optional<QDBusConnection> sessionBus();
+
+} // namespace Platform
+} // namespace VEK_NAMESPACE
