@@ -33,7 +33,7 @@ fi
 
 # Code of templates and inline functions, and what stands beside a class, varies with the compiler; it
 # must be ours, Qt's or the standard library's.
-own=$(sed -nE 's/^([A-Za-z]+)::.*/\1/p' "$list" | sort -u | paste -sd'|')
+own=$(sed -nE 's/^([A-Za-z_]+)::.*/\1/p' "$list" | sort -u | paste -sd'|')
 strangers=$(exported 'VWu' | sed -E "s/$of_classes//; s/^(void|bool|int|unsigned int|char) //" \
     | grep -vE "^($own|Singleton<|CRunnableItem<|ThreadSafeVariable<|std::|__gnu_cxx::|Q[A-Z]|Qt[A-Z]|q[A-Z]|operator)" \
     | sort -u || :)

@@ -4,14 +4,20 @@
 
 #include <QString>
 
-#include <sstream>
+#include <string>
 
 namespace VEK_NAMESPACE {
 namespace Private {
 
-inline std::ostream& operator<<(std::ostream& stream, const QString& text)
+inline void appendPiece(std::string& line, const char* utf8)
 {
-    return stream << text.toUtf8().constData();
+    line += utf8;
+}
+
+inline void appendPiece(std::string& line, const QString& text)
+{
+    const QByteArray utf8 = text.toUtf8();
+    line.append(utf8.constData(), size_t(utf8.size()));
 }
 
 /// Writes one line made of \a pieces, which are UTF-8 literals and QStrings. Without a logger this
@@ -22,9 +28,9 @@ void logLine(char level, const Pieces&... pieces)
     if (!g_logger)
         return;
 
-    std::ostringstream line;
-    (line << ... << pieces);
-    g_logger->log(level, line.str().c_str());
+    std::string line;
+    (appendPiece(line, pieces), ...);
+    g_logger->log(level, line.c_str());
 }
 
 } // namespace Private

@@ -4,6 +4,7 @@
 #include "Logger_p.h"
 #include "PlatformServices_p.h"
 #include "TemporarySettings.h"
+#include "storageLocation.h"
 
 namespace VEK_NAMESPACE {
 
@@ -171,6 +172,13 @@ void CSettings::setTemporarySettings(CTemporarySettings& settings)
 void CSettings::removeTemporarySettings()
 {
     installTemporarySettings(nullptr);
+}
+
+QString CSettings::getStringFromPreferencesFile(const QString& key, const QString& defaultValue)
+{
+    const QSettings preferences(CStorageLocation::getPreferencesFilePath(), QSettings::IniFormat);
+    const QString text = preferences.value(key, defaultValue).toString();
+    return text.isEmpty() ? defaultValue : text;
 }
 
 void CSettings::installTemporarySettings(CTemporarySettings* settings)

@@ -77,6 +77,10 @@ public:
     /// Removes the overlay, as setTemporarySettings() with a null reference does.
     static void removeTemporarySettings();
 
+    /// The text stored under \a key in the preferences file, which only this function reads; the
+    /// default if it is missing or empty. The overlay is ignored. Any thread.
+    static QString getStringFromPreferencesFile(const QString& key, const QString& defaultValue);
+
 private:
     void detachFromDyingParent(QObject* parent);
     QSettings& store();

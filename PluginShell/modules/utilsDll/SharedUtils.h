@@ -1,0 +1,52 @@
+#pragma once
+
+#include "LoggerBootstrap.h"
+#include "UtilsDllGlobal.h"
+
+#include <QString>
+
+namespace VEK_NAMESPACE {
+
+/// \name State and identity of the installation
+/// Small facts about the installation and its runs, read from and written to the settings at each
+/// call; a mode is one of the constants of CommonConstants.h, or any text. A live overlay of the
+/// settings is followed unless told otherwise. No failure is reported. Any thread; two threads that
+/// count at the same time may lose a count.
+/// @{
+
+/// True until setNotFirstLaunch() has been called once.
+UTILSDLL_EXPORT bool isFirstLaunch();
+UTILSDLL_EXPORT void setNotFirstLaunch();
+
+/// Empty before the first setLastLaunchMode().
+UTILSDLL_EXPORT QString getLastLaunchMode();
+UTILSDLL_EXPORT void setLastLaunchMode(const QString& mode);
+
+/// Counts a crash of the last launch mode.
+UTILSDLL_EXPORT void incrementCrashCounter();
+UTILSDLL_EXPORT int crashCounterForPlugin(const QString& mode);
+UTILSDLL_EXPORT void crashCounterReset(const QString& mode);
+/// Runs the program "CrashSender" and waits for its end.
+UTILSDLL_EXPORT void startCrashSender();
+
+/// The identifier of this user, a UUID without braces, which is kept in a file of its own and made
+/// when that holds none. If the file can't be written, each call makes another one.
+UTILSDLL_EXPORT QString getUserID();
+
+/// "vek" unless something else was stored.
+UTILSDLL_EXPORT QString getResellerID();
+UTILSDLL_EXPORT void setResellerID(const QString& reseller);
+
+/// True unless the persistent settings hold "0"; a stored false gives true, too. An overlay is
+/// ignored.
+UTILSDLL_EXPORT bool useActionSave();
+
+/// True unless it was switched off.
+UTILSDLL_EXPORT bool isStatisticSent();
+UTILSDLL_EXPORT void setStatisticSent(bool send);
+UTILSDLL_EXPORT bool crashReportSendingAllowed();
+UTILSDLL_EXPORT void allowCrashReportSending(bool allow);
+
+/// @}
+
+} // namespace VEK_NAMESPACE
