@@ -5,6 +5,7 @@
 #include "CorrectionHistory.h"
 #include "CorrectionJob.h"
 #include "DelayedCall.h"
+#include "HostLog.h"
 #include "HostStyle.h"
 #include "MessageBox.h"
 #include "Named.h"
@@ -17,12 +18,12 @@
 #include "ToolPanel.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QDir>
 #include <QFileInfo>
 #include <QFrame>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
@@ -42,6 +43,9 @@ constexpr int defaultGridSize = 6;
 
 /// Moves by keys and wheel that come closer together are one undo step.
 constexpr int handRestsMs = 400;
+
+/// How often a picture that was asked for tries to be opened.
+constexpr int requestWaitsMs = 100;
 
 /// Heights of message boxes for one or two lines of text.
 constexpr int simpleBoxHeight = 165;
@@ -273,9 +277,31 @@ void MainWindow::open()
         return;
     const QString path = Singleton<CNativeDialogs>::instance().getOpenFileName(
         this, tr("Open a picture"), QFileInfo(m_path).absolutePath(), readablePicturesFilter());
-    if (path.isEmpty())
-        return;
+    if (!path.isEmpty())
+        openAfterQuestions(path);
+}
 
+void MainWindow::openOnRequest(const QString& path)
+{
+    m_requestedPath = path;
+    openRequested();
+}
+
+void MainWindow::openRequested()
+{
+    if (m_requestedPath.isEmpty())
+        return;
+    if (m_busyBar->isBusy() || QApplication::activeModalWidget()) {
+        CDelayedCall::invoke(requestWaitsMs, this, "openRequested", true);
+        return;
+    }
+    const QString path = m_requestedPath;
+    m_requestedPath.clear();
+    openAfterQuestions(path);
+}
+
+void MainWindow::openAfterQuestions(const QString& path)
+{
     QImage picture = readPicture(path);
     if (picture.isNull()) {
         CMessageBox::critical(this, tr("Cannot open %1").arg(QFileInfo(path).fileName()),
@@ -295,6 +321,7 @@ void MainWindow::open()
 
 void MainWindow::showPicture(const QImage& picture, const QString& path)
 {
+    logLine(QStringLiteral("Opened %1, %2").arg(path, imageSizeText(picture.size())));
     m_picture = picture;
     m_path = path;
     m_panel->setTitle(pictureTitle(picture));

@@ -29,6 +29,10 @@ public:
     /// Shows the picture and asks nothing. False, with a notice in its place, if it can't be read.
     bool openPicture(const QString& path);
 
+    /// Opens a picture for somebody else than the user, as soon as no work and no dialog is in the
+    /// way, and asks what open() asks.
+    void openOnRequest(const QString& path);
+
 public Q_SLOTS:
     void open();
     bool save();
@@ -42,6 +46,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private Q_SLOTS:
+    void openRequested();
     void applyCorrections();
     void recordUndoStep(const QString& slider);
     void recordHandMadeSteps();
@@ -54,6 +59,7 @@ private:
     void createActions();
     void connectControls();
     void restoreSettings();
+    void openAfterQuestions(const QString& path);
     void showPicture(const QImage& picture, const QString& path);
     bool isChanged() const;
     bool mayDiscardPicture();
@@ -77,6 +83,7 @@ private:
 
     QImage m_picture;
     QString m_path;
+    QString m_requestedPath; ///< waits for its opening
     QString m_savedTitle;
     Corrections m_savedCorrections;
     bool m_handMadeStep = false; ///< a slider was moved by hand and its step isn't recorded yet

@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QImage>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QProgressBar>
@@ -90,6 +91,7 @@ private Q_SLOTS:
     void a_click_on_crop_is_an_undo_step();
     void a_closed_question_keeps_the_picture_open_data();
     void a_closed_question_keeps_the_picture_open();
+    void a_requested_picture_waits_for_dialogs_and_asks();
     void a_small_picture_shows_no_progress();
     void a_large_picture_leaves_the_window_alive();
     void a_stopped_save_leaves_nothing();
@@ -222,6 +224,32 @@ void tst_MainWindow::a_closed_question_keeps_the_picture_open()
 
     QCOMPARE(watcher.count(), 1);
     QCOMPARE(m_window->isVisible(), visible);
+}
+
+void tst_MainWindow::a_requested_picture_waits_for_dialogs_and_asks()
+{
+    const QString requested = path("requested.png");
+    QVERIFY(QImage(20, 10, QImage::Format_RGB32).save(requested));
+    auto* name = child<QLabel>("fileNameLabel");
+
+    // It comes while the preferences are open, and its question when they are gone.
+    child<QLineEdit>("titleEdit")->setText(QStringLiteral("Dogs"));
+    QStringList dialogs;
+    DialogWatcher watcher([&](QWidget* dialog) {
+        dialogs << dialog->objectName();
+        if (dialogs.size() == 1) {
+            m_window->openOnRequest(requested);
+            QVERIFY(name->text() == QLatin1String("small.png"));
+            QTest::keyClick(dialog, Qt::Key_Escape);
+        } else {
+            press(dialog, "discardButton");
+        }
+    });
+    child<QPushButton>("preferencesButton")->click();
+
+    QTRY_COMPARE(name->text(), QStringLiteral("requested.png"));
+    QCOMPARE(dialogs.size(), 2);
+    QVERIFY(dialogs.at(0) != dialogs.at(1));
 }
 
 void tst_MainWindow::a_small_picture_shows_no_progress()

@@ -1,0 +1,271 @@
+// What the sample host leaves behind of its runs - its log, its mode, its crashes - and the picture
+// that a launcher hands over to it.
+
+#include "HostProcess.h"
+
+#include <QDir>
+#include <QImage>
+#include <QRegularExpression>
+#include <QSettings>
+#include <QTemporaryDir>
+
+#include <csignal>
+#include <optional>
+
+namespace {
+
+QString home()
+{
+    return QString::fromLocal8Bit(qgetenv("HOME"));
+}
+
+QString logFile(int host = 1)
+{
+    const QString name =
+        host == 1 ? QStringLiteral("Marlowick") : QStringLiteral("Marlowick-%1").arg(host);
+    return home() + QStringLiteral("/Library/Vek_Labs/Vek Marlowick 3/Logs/") + name
+        + QStringLiteral(".log");
+}
+
+/// What stands behind time, level and thread.
+QStringList logTexts(int host = 1)
+{
+    QStringList texts;
+    const QStringList lines = readLines(logFile(host));
+    for (const QString& line : lines)
+        texts << line.section(QStringLiteral("[Marlowick] "), 1);
+    return texts;
+}
+
+QString settingsFile()
+{
+    return QString::fromLocal8Bit(qgetenv("XDG_CONFIG_HOME"))
+        + QStringLiteral("/Vek Labs/krnv3/Data.plist");
+}
+
+void writeSetting(const char* key, const char* value)
+{
+    QSettings settings(settingsFile(), QSettings::IniFormat);
+    settings.setValue(QLatin1String(key), QString::fromLatin1(value));
+}
+
+QString setting(const char* key)
+{
+    return QSettings(settingsFile(), QSettings::IniFormat).value(QLatin1String(key)).toString();
+}
+
+/// A host that stays until it is killed.
+class RunningHost
+{
+public:
+    explicit RunningHost(const QString& picture)
+    {
+        m_process.start(QStringLiteral(SAMPLE_HOST), {picture});
+    }
+
+    ~RunningHost() { crash(); }
+
+    void crash()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+
+private:
+    QProcess m_process;
+};
+
+} // namespace
+
+class tst_HostRuns : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void the_first_run_leaves_its_mode();
+    void a_run_that_crashes_is_counted_once();
+    void a_second_host_at_the_same_time_is_no_crash();
+    void the_log_begins_with_four_lines();
+    void without_the_logger_nothing_is_logged();
+    void errors_only_if_the_level_says_so();
+    void two_hosts_have_two_logs();
+    void a_picture_is_handed_over();
+    void a_line_that_makes_no_sense_is_handed_over();
+    void nothing_is_handed_over();
+
+private:
+    QString picture() const { return m_dir->filePath(QStringLiteral("straße.png")); }
+    int runScript();
+    QString state() const;
+    bool handOver(const QStringList& arguments) const;
+
+    QScopedPointer<QTemporaryDir> m_dir;
+};
+
+void tst_HostRuns::init()
+{
+    m_dir.reset(new QTemporaryDir);
+    QVERIFY(QDir(home() + QStringLiteral("/Library")).removeRecursively());
+    QVERIFY(QDir(QFileInfo(settingsFile()).path()).removeRecursively());
+    QImage image(60, 40, QImage::Format_RGB32);
+    image.fill(Qt::darkGreen);
+    QVERIFY(image.save(picture()));
+}
+
+int tst_HostRuns::runScript()
+{
+    const QString script = m_dir->filePath(QStringLiteral("case.js"));
+    writeFile(script, "scripting.log('hello')");
+    return HostProcess({QStringLiteral("--script"), script, QStringLiteral("--timeout"),
+                        QStringLiteral("30000"), picture()})
+        .exitCode();
+}
+
+QString tst_HostRuns::state() const
+{
+    QProcess host;
+    host.start(QStringLiteral(SAMPLE_HOST), {QStringLiteral("--state")});
+    host.waitForFinished();
+    return QString::fromUtf8(host.readAllStandardOutput());
+}
+
+/// Whether the launcher has started a host, which has taken these arguments.
+bool tst_HostRuns::handOver(const QStringList& arguments) const
+{
+    QProcess launcher;
+    launcher.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    launcher.start(QStringLiteral(LAUNCHER), QStringList{QStringLiteral(SAMPLE_HOST)} + arguments);
+    return launcher.waitForFinished(60000) && launcher.exitStatus() == QProcess::NormalExit
+        && launcher.exitCode() == 0;
+}
+
+void tst_HostRuns::the_first_run_leaves_its_mode()
+{
+    QCOMPARE(state(),
+             QStringLiteral("Launched before: no\nLast mode: none\n"
+                            "Crashes: Standalone 0, LR 0, PS 0, AP 0\n"));
+    QCOMPARE(runScript(), 0);
+    QCOMPARE(state(),
+             QStringLiteral("Launched before: yes\nLast mode: Standalone\n"
+                            "Crashes: Standalone 0, LR 0, PS 0, AP 0\n"));
+    QCOMPARE(setting("appStandaloneCrashFlag"), QStringLiteral("finished"));
+}
+
+void tst_HostRuns::a_run_that_crashes_is_counted_once()
+{
+    // The plug-in's runs since then don't matter.
+    writeSetting("app_launchMode", "PS");
+    RunningHost host(picture());
+    QTRY_COMPARE_WITH_TIMEOUT(setting("appStandaloneCrashFlag"), QStringLiteral("started"), 30000);
+    host.crash();
+    writeSetting("app_launchMode", "PS");
+
+    QCOMPARE(runScript(), 0);
+    QVERIFY(logTexts().contains(QStringLiteral("The last run did not come to its end")));
+    QCOMPARE(runScript(), 0);
+    QCOMPARE(state(),
+             QStringLiteral("Launched before: yes\nLast mode: Standalone\n"
+                            "Crashes: Standalone 1, LR 0, PS 0, AP 0\n"));
+}
+
+void tst_HostRuns::a_second_host_at_the_same_time_is_no_crash()
+{
+    const RunningHost first(picture());
+    QTRY_COMPARE_WITH_TIMEOUT(setting("appStandaloneCrashFlag"), QStringLiteral("started"), 30000);
+    QCOMPARE(runScript(), 0);
+    QCOMPARE(setting("crashCounter_Standalone"), QString());
+    // The first one goes on and can still crash.
+    QCOMPARE(setting("appStandaloneCrashFlag"), QStringLiteral("started"));
+}
+
+void tst_HostRuns::the_log_begins_with_four_lines()
+{
+    QCOMPARE(runScript(), 0);
+    QFile idFile(home() + QStringLiteral("/Library/Application Support/Vek Labs/VekUserID"));
+    QVERIFY(idFile.open(QIODevice::ReadOnly));
+
+    const QStringList texts = logTexts();
+    QVERIFY(texts.size() >= 4);
+    const QRegularExpression time(
+        QStringLiteral("^Current time \\(UTC\\): \\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\dZ$"));
+    QVERIFY2(time.match(texts.at(0)).hasMatch(), qPrintable(texts.at(0)));
+    QCOMPARE(texts.at(1), QStringLiteral("Vek Marlowick 3 Version: 3.1.251.0"));
+    QCOMPARE(texts.at(2), QStringLiteral("UID: ") + QString::fromLatin1(idFile.readAll()));
+    QCOMPARE(texts.at(3), QStringLiteral("CE version: VekFramework-7.1.2.1711161940"));
+    QVERIFY(texts.contains(QStringLiteral("Opened %1, 60 x 40 px").arg(picture())));
+}
+
+void tst_HostRuns::without_the_logger_nothing_is_logged()
+{
+    writeSetting("loggerEnabled", "0");
+    QCOMPARE(runScript(), 0);
+    QVERIFY(!QFile::exists(QFileInfo(logFile()).path()));
+    QVERIFY(!QFile::exists(home() + QStringLiteral("/Library/Application Support")));
+}
+
+void tst_HostRuns::errors_only_if_the_level_says_so()
+{
+    writeSetting("loggerLevel", "E");
+    QCOMPARE(runScript(), 0);
+    QVERIFY(QFile::exists(logFile()));
+    QCOMPARE(logTexts(), QStringList());
+}
+
+void tst_HostRuns::two_hosts_have_two_logs()
+{
+    const RunningHost first(picture());
+    QTRY_VERIFY_WITH_TIMEOUT(!logTexts().isEmpty(), 30000);
+    QCOMPARE(runScript(), 0);
+    QCOMPARE(logTexts(2).filter(QStringLiteral("Opened ")).size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(logTexts().filter(QStringLiteral("Opened ")).size(), 1, 30000);
+}
+
+/// Ends the host that writes this log, which isn't this process's child.
+class LoggingHost
+{
+public:
+    ~LoggingHost()
+    {
+        const auto process = processOfLog();
+        if (process)
+            ::kill(*process, SIGKILL);
+    }
+
+private:
+    /// The thread that wrote the first line is the main one, whose number is the process's.
+    static std::optional<pid_t> processOfLog()
+    {
+        bool ok = false;
+        const int number = readLines(logFile()).value(0).section(QLatin1Char(' '), 2, 2).toInt(&ok);
+        return ok ? std::optional<pid_t>(number) : std::nullopt;
+    }
+};
+
+void tst_HostRuns::a_picture_is_handed_over()
+{
+    const LoggingHost host;
+    QVERIFY(handOver({picture()}));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        logTexts().contains(QStringLiteral("Opened %1, 60 x 40 px").arg(picture())), 30000);
+}
+
+void tst_HostRuns::a_line_that_makes_no_sense_is_handed_over()
+{
+    const LoggingHost host;
+    QVERIFY(handOver({QStringLiteral("--bogus"), picture()}));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        logTexts().contains(QStringLiteral("Handed over: Unknown option 'bogus'.")), 30000);
+    QCOMPARE(logTexts().filter(QStringLiteral("Opened")), QStringList());
+}
+
+void tst_HostRuns::nothing_is_handed_over()
+{
+    const LoggingHost host;
+    QVERIFY(handOver({}));
+    QTRY_VERIFY_WITH_TIMEOUT(logTexts().size() >= 4, 30000);
+    QCOMPARE(logTexts().filter(QStringLiteral("Opened")), QStringList());
+}
+
+QTEST_GUILESS_MAIN(tst_HostRuns)
+#include "tst_HostRuns.moc"
