@@ -1,118 +1,219 @@
 #include "LogFile.h"
 
 #include <spdlog/pattern_formatter.h>
-#include <spdlog/sinks/rotating_file_sink.h>
-#include <spdlog/spdlog.h>
 
 #include <QDir>
 #include <QFile>
-#include <QHash>
-#include <QLockFile>
 
+#include <cerrno>
 #include <chrono>
+#include <cstdio>
 #include <memory>
-#include <vector>
+#include <system_error>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
-constexpr std::size_t largestFile = 5 * 1024 * 1024;
-constexpr std::size_t olderFiles = 2;
-constexpr int longestName =
-    60; // with what is added to it, and as UTF-8, within the usual 255 bytes
-constexpr int mostProcesses = 100;
+constexpr std::size_t maxFileSize = 5U << 20;
+constexpr std::size_t maxWaitingSize = 64U << 10;
+constexpr std::chrono::milliseconds maxWaitingTime(500);
+constexpr int maxProcesses = 100;
+constexpr int maxNameLength = 60; // as UTF-8, with what is added, within the usual 255 bytes
 
 /// A file name of \a module. It has no dot, so that no module's file is another one's older file.
 QString safeName(const QString& module)
 {
-    QString name = module.trimmed().left(longestName);
+    QString name = module.trimmed().left(maxNameLength);
     for (QChar& character : name) {
-        if (!character.isLetterOrNumber() && !character.isSurrogate()
-            && !QStringLiteral("-_ ()+").contains(character)) {
+        const bool isSafe = (character.isPrint() || character.isSurrogate())
+            && !QStringLiteral("/\\:*?\"<>|.").contains(character);
+        if (!isSafe)
             character = QLatin1Char('_');
-        }
     }
     return name.isEmpty() ? QStringLiteral("unnamed") : name;
 }
 
-/// Whether the file belongs to this process now. Its lock goes when the process ends, and counts
-/// for nothing when a crash has left it.
-bool claim(const QString& path)
+std::unique_ptr<spdlog::formatter> lineFormatter(const QString& name)
 {
-    static std::vector<std::unique_ptr<QLockFile>> locks;
-    auto lock = std::make_unique<QLockFile>(path + QStringLiteral(".lock"));
-    lock->setStaleLockTime(0); // however long the process lives
-    if (!lock->tryLock(0))
-        return false;
-    locks.push_back(std::move(lock));
-    return true;
+    QByteArray literalName = name.toUtf8();
+    literalName.replace('%', "%%");
+    return std::make_unique<spdlog::pattern_formatter>("%Y-%m-%dT%H:%M:%S.%eZ %L %t ["
+                                                           + literalName.toStdString() + "] %v",
+                                                       spdlog::pattern_time_type::utc, "\n");
 }
 
-/// A process that crashed may have left half a line at the end.
-void endLastLine(const QString& path)
+int openedFile(const std::string& path, int flags)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadWrite) || file.size() == 0)
-        return;
-    char last = '\n';
-    if (file.seek(file.size() - 1) && file.getChar(&last) && last != '\n')
-        file.putChar('\n');
+    return ::open(path.c_str(), flags | O_CREAT | O_CLOEXEC, 0666);
 }
 
-/// Whoever logs has no use for an exception or for a complaint of the logger's own.
-void ignoreFailure(const std::string& message)
+/// The size of a file without the half line that a process left when it was killed.
+std::size_t wholeLines(int file)
 {
-    static_cast<void>(message);
+    struct stat status = {};
+    if (::fstat(file, &status) != 0)
+        return 0;
+    off_t size = status.st_size;
+    for (char last = 0; size > 0 && ::pread(file, &last, 1, size - 1) == 1 && last != '\n';)
+        --size;
+    return std::size_t(size);
 }
 
-spdlog::logger* makeLogger(const QString& path, const QString& module)
+void closeFile(int& file)
 {
-    // Under its path, as the modules of two folders may have one name.
-    const std::string localPath = QFile::encodeName(path).toStdString();
-    const auto logger = spdlog::rotating_logger_mt<spdlog::synchronous_factory>(
-        localPath, localPath, largestFile, olderFiles);
-    logger->set_formatter(std::make_unique<spdlog::pattern_formatter>(
-        "%Y-%m-%dT%H:%M:%S.%eZ %L %t [" + module.toStdString() + "] %v",
-        spdlog::pattern_time_type::utc));
-    logger->flush_on(spdlog::level::err);
-    logger->set_error_handler(ignoreFailure);
-    spdlog::flush_every(std::chrono::seconds(1));
-
-    // Never destroyed: what the last static object logs is written when the process ends.
-    return (new std::shared_ptr<spdlog::logger>(logger))->get();
-}
-
-/// The logger of that file, made if the file is this process's; null if it is another one's.
-spdlog::logger* logger(const QString& path, const QString& module)
-{
-    static QHash<QString, spdlog::logger*> loggers;
-    if (!loggers.contains(path)) {
-        if (!claim(path))
-            return nullptr;
-        endLastLine(path);
-        loggers.insert(path, makeLogger(path, module));
-    }
-    return loggers.value(path);
+    if (file >= 0)
+        ::close(file);
+    file = -1;
 }
 
 } // namespace
 
-spdlog::logger* openLogFile(const QString& folder, const QString& module,
-                            spdlog::level::level_enum level)
+void LogFile::open(const QString& folder, const QString& module)
+{
+    const QString name = safeName(module);
+    auto formatter = lineFormatter(name);
+
+    const std::lock_guard<std::mutex> lock(mutex_);
+    flush_();
+    release();
+    formatter_ = std::move(formatter);
+    if (folder.isEmpty() || !QDir().mkpath(folder) || !claim(folder, name))
+        return;
+    openFile(0);
+    startWriter();
+}
+
+void LogFile::writeAtOnce()
+{
+    const std::lock_guard<std::mutex> lock(mutex_);
+    m_atOnce = true;
+    flush_();
+}
+
+void LogFile::sink_it_(const spdlog::details::log_msg& message)
+{
+    const bool isFirst = m_lines.size() == 0;
+    formatter_->format(message, m_lines);
+    if (m_atOnce || message.level >= spdlog::level::err || m_lines.size() >= maxWaitingSize)
+        flush_();
+    else if (isFirst)
+        m_lineWaits.notify_one();
+}
+
+void LogFile::flush_()
+{
+    if (m_lines.size() == 0)
+        return;
+
+    if (m_file < 0)
+        openFile(0);
+    if (m_file >= 0 && m_fileSize + m_lines.size() > maxFileSize)
+        rotate();
+    if (m_file >= 0 && write())
+        m_fileSize += m_lines.size();
+    m_lines.clear();
+}
+
+/// Makes the first file of \a name that no other process writes this one's. The system gives a lock
+/// back when its process ends, however that happens.
+bool LogFile::claim(const QString& folder, const QString& name)
 {
     const QDir directory(QDir(folder).absolutePath());
-    if (folder.isEmpty() || !directory.mkpath(QStringLiteral(".")))
-        return nullptr;
-
-    const QString name = safeName(module);
-    try {
-        for (int process = 1; process <= mostProcesses; ++process) {
-            const QString number = process == 1 ? QString() : QStringLiteral("-%1").arg(process);
-            if (auto* file = logger(directory.filePath(name + number + ".log"), name)) {
-                file->set_level(level);
-                return file;
-            }
+    for (int process = 1; process <= maxProcesses; ++process) {
+        const QString ownName =
+            process == 1 ? name : QStringLiteral("%1-%2").arg(name).arg(process);
+        const QString lockPath = directory.filePath(QLatin1Char('.') + ownName + ".lock");
+        m_lock = openedFile(QFile::encodeName(lockPath).toStdString(), O_RDONLY);
+        if (m_lock < 0)
+            return false;
+        // A file system without locks is better written to than not.
+        if (::flock(m_lock, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) {
+            const std::string path = QFile::encodeName(directory.filePath(ownName)).toStdString();
+            m_older = path + ".1.log";
+            m_oldest = path + ".2.log";
+            m_newest = path + ".log";
+            return true;
         }
-    } catch (const std::exception&) { // no file can be written
+        closeFile(m_lock);
     }
-    return nullptr;
+    return false;
+}
+
+void LogFile::release()
+{
+    closeFile(m_file);
+    closeFile(m_lock);
+    m_newest.clear();
+}
+
+void LogFile::openFile(int flags)
+{
+    if (m_newest.empty())
+        return;
+
+    m_file = openedFile(m_newest, flags | O_RDWR | O_APPEND);
+    if (m_file < 0)
+        return;
+    m_fileSize = wholeLines(m_file);
+    if (::ftruncate(m_file, off_t(m_fileSize)) != 0)
+        closeFile(m_file);
+}
+
+void LogFile::rotate()
+{
+    closeFile(m_file);
+    // Some file systems write a whole file out when it takes another one's name.
+    std::remove(m_oldest.c_str());
+    std::rename(m_older.c_str(), m_oldest.c_str());
+    std::rename(m_newest.c_str(), m_older.c_str());
+    // A file that couldn't be renamed mustn't grow for ever.
+    openFile(O_TRUNC);
+}
+
+/// Writes all lines that wait, or none of them.
+bool LogFile::write()
+{
+    const char* rest = m_lines.begin();
+    while (rest != m_lines.end()) {
+        const ssize_t written = ::write(m_file, rest, std::size_t(m_lines.end() - rest));
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0) {
+            if (::ftruncate(m_file, off_t(m_fileSize)) != 0)
+                closeFile(m_file);
+            return false;
+        }
+        rest += written;
+    }
+    return true;
+}
+
+void LogFile::startWriter()
+{
+    if (m_hasWriter)
+        return;
+
+    try {
+        std::thread([this] { writeRegularly(); }).detach();
+        m_hasWriter = true;
+    } catch (const std::system_error&) {
+        m_atOnce = true;
+    }
+}
+
+void LogFile::writeRegularly()
+{
+    std::unique_lock<std::mutex> lock(mutex_);
+    for (;;) {
+        m_lineWaits.wait(lock, [this] { return m_lines.size() > 0; });
+        lock.unlock();
+        std::this_thread::sleep_for(maxWaitingTime);
+        lock.lock();
+        flush_();
+    }
 }
