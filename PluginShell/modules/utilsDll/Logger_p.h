@@ -3,21 +3,24 @@
 #include "Logger.h"
 
 #include <QString>
+#include <QVarLengthArray>
 
-#include <string>
+#include <cstring>
 
 namespace VEK_NAMESPACE {
 namespace Private {
 
-inline void appendPiece(std::string& line, const char* utf8)
+using LineBuffer = QVarLengthArray<char, 512>; ///< most lines need no more, and so no allocation
+
+inline void appendPiece(LineBuffer& line, const char* utf8)
 {
-    line += utf8;
+    line.append(utf8, int(std::strlen(utf8)));
 }
 
-inline void appendPiece(std::string& line, const QString& text)
+inline void appendPiece(LineBuffer& line, const QString& text)
 {
     const QByteArray utf8 = text.toUtf8();
-    line.append(utf8.constData(), size_t(utf8.size()));
+    line.append(utf8.constData(), utf8.size());
 }
 
 /// Writes one line made of \a pieces, which are UTF-8 literals and QStrings. Without a logger this
@@ -28,9 +31,10 @@ void logLine(char level, const Pieces&... pieces)
     if (!g_logger)
         return;
 
-    std::string line;
+    LineBuffer line;
     (appendPiece(line, pieces), ...);
-    g_logger->log(level, line.c_str());
+    line.append('\0');
+    g_logger->log(level, line.constData());
 }
 
 } // namespace Private
