@@ -188,7 +188,7 @@ QString CStorageLocation::sessionSingleAppDirectory()
         std::printf("Single app use standard temp dir!!!");
         return QDir(QDir::tempPath()).absolutePath();
     }
-    return *home + QStringLiteral("/Library/Vek_Labs/Vek Marlowick 3");
+    return QDir(*home).filePath(QStringLiteral("Library/Vek_Labs/Vek Marlowick 3"));
 }
 
 } // namespace VEK_NAMESPACE

@@ -11,6 +11,8 @@
 #include <QProcess>
 #include <QUuid>
 
+#include <limits>
+
 namespace VEK_NAMESPACE {
 
 using Private::logLine;
@@ -81,7 +83,8 @@ void incrementCrashCounter()
 {
     const QString key = g_crashCounter + getLastLaunchMode();
     CSettings settings(nullptr, false);
-    settings.setValue(key, settings.value(key, 0).toInt() + 1);
+    const int counted = settings.value(key, 0).toInt();
+    settings.setValue(key, qMin(counted, std::numeric_limits<int>::max() - 1) + 1);
 }
 
 int crashCounterForPlugin(const QString& mode)
