@@ -60,8 +60,10 @@ int main(int argc, char** argv)
     }
 
     VEK_NAMESPACE::initLoggerForUtilsDll(nullptr, QStringLiteral("Marlowick"));
-    const RunRecord record(VEK_NAMESPACE::g_standaloneMode, VEK_NAMESPACE::g_standaloneCrashFlag);
-    if (record.hasLastRunCrashed())
+    std::optional<RunRecord> record; // an acceptance run leaves none
+    if (!line->run)
+        record.emplace(VEK_NAMESPACE::g_standaloneMode, VEK_NAMESPACE::g_standaloneCrashFlag);
+    if (record && record->hasLastRunCrashed())
         logLine(QStringLiteral("The last run did not come to its end"));
 
     applyHostStyle(application);

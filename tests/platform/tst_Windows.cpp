@@ -1,19 +1,14 @@
 #include "BaseDialog.h"
 #include "GuiUtils.h"
 #include "MessageCounter.h"
-
-#include <netwm.h>
+#include "WindowProperties.h"
 
 #include <QApplication>
-#include <QProcess>
 #include <QRegularExpression>
-#include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
 #include <QWidget>
 #include <QWindow>
-
-#include <xcb/xcb.h>
 
 #include <memory>
 #include <optional>
@@ -21,118 +16,6 @@
 using VEK_NAMESPACE::CBaseDialog;
 using VEK_NAMESPACE::enableWindowCloseButton;
 using VEK_NAMESPACE::moveWindowToScreenCenter;
-
-namespace {
-
-/// What a program of the X server's says.
-QString output(const char* program, const QStringList& arguments)
-{
-    QProcess process;
-    process.start(QString::fromLatin1(program), arguments);
-    if (!process.waitForFinished() || process.exitCode() != 0)
-        return QStringLiteral("%1 failed").arg(QLatin1String(program));
-    return QString::fromLocal8Bit(process.readAllStandardOutput());
-}
-
-QString windowArgument(WId window)
-{
-    return QStringLiteral("0x%1").arg(window, 0, 16);
-}
-
-QString property(WId window, const char* name)
-{
-    return output("xprop", {QStringLiteral("-id"), windowArgument(window), QLatin1String(name)});
-}
-
-bool isAbove(WId window)
-{
-    return property(window, "_NET_WM_STATE").contains(QLatin1String("_NET_WM_STATE_ABOVE"));
-}
-
-bool isManaged(const QWidget& widget)
-{
-    const QString list =
-        output("xprop", {QStringLiteral("-root"), QStringLiteral("_NET_CLIENT_LIST")});
-    return list.split(QRegularExpression(QStringLiteral("[ ,\n]+")))
-        .contains(windowArgument(widget.internalWinId()));
-}
-
-/// The windows of this program from the lowest to the highest.
-QList<WId> stacking()
-{
-    const QString list =
-        output("xprop", {QStringLiteral("-root"), QStringLiteral("_NET_CLIENT_LIST_STACKING")});
-    QList<WId> windows;
-    const QRegularExpression number(QStringLiteral("0x([0-9a-f]+)"));
-    for (auto i = number.globalMatch(list); i.hasNext();)
-        windows << i.next().captured(1).toULongLong(nullptr, 16);
-    return windows;
-}
-
-/// The functions that the window asks its manager for, or -1.
-int motifFunctions(WId window)
-{
-    const QRegularExpression hints(QStringLiteral("= 0x[0-9a-f]+, 0x([0-9a-f]+),"));
-    const auto match = hints.match(property(window, "_MOTIF_WM_HINTS"));
-    return match.hasMatch() ? match.captured(1).toInt(nullptr, 16) : -1;
-}
-
-/// Whether the window asks for a close button; a window that says nothing of functions does.
-bool hasCloseFunction(WId window)
-{
-    constexpr int allFunctions = 1;
-    constexpr int closeFunction = 0x20;
-    const int functions = motifFunctions(window);
-    return (functions & (allFunctions | closeFunction)) != 0;
-}
-
-/// Asks the window manager to close windows, as a taskbar does.
-class Taskbar
-{
-public:
-    Taskbar()
-        : m_connection(xcb_connect(nullptr, &m_screen))
-    {}
-    ~Taskbar() { xcb_disconnect(m_connection); }
-
-    void requestClose(WId window)
-    {
-        NETRootInfo root(m_connection, NET::CloseWindow, NET::Properties2(), m_screen, false);
-        root.closeWindowRequest(xcb_window_t(window));
-        xcb_flush(m_connection);
-    }
-
-private:
-    Q_DISABLE_COPY(Taskbar)
-
-    int m_screen = 0;
-    xcb_connection_t* m_connection;
-};
-
-class Window : public QWidget
-{
-public:
-    explicit Window(const QRect& geometry = QRect(100, 100, 200, 100),
-                    Qt::WindowFlags flags = Qt::WindowFlags())
-        : QWidget(nullptr, flags)
-    {
-        setGeometry(geometry);
-    }
-
-    bool showManaged()
-    {
-        show();
-        return QTest::qWaitForWindowExposed(this)
-            && QTest::qWaitFor([this] { return isManaged(*this); }, 10000);
-    }
-
-    int hides = 0;
-
-protected:
-    void hideEvent(QHideEvent*) override { ++hides; }
-};
-
-} // namespace
 
 /// What the window manager and other programs see of the library's work on windows.
 class tst_Windows : public QObject
@@ -188,9 +71,9 @@ void tst_Windows::cleanup()
 
 void tst_Windows::centredWindowIsInFrontOfAll()
 {
-    Window window;
+    PlainWindow window;
     QVERIFY(window.showManaged());
-    Window other;
+    PlainWindow other;
     QVERIFY(other.showManaged());
     QTRY_COMPARE(stacking(), QList<WId>({window.winId(), other.winId()}));
     QVERIFY(!isAbove(window.winId()));
@@ -202,7 +85,7 @@ void tst_Windows::centredWindowIsInFrontOfAll()
     QCOMPARE(window.winId(), id);
     QCOMPARE(window.hides, 0);
 
-    Window late;
+    PlainWindow late;
     QVERIFY(late.showManaged());
     late.raise();
     other.raise();
@@ -212,9 +95,9 @@ void tst_Windows::centredWindowIsInFrontOfAll()
 
 void tst_Windows::centredWindowIsRaisedAmongRaised()
 {
-    Window first;
+    PlainWindow first;
     QVERIFY(first.showManaged());
-    Window second;
+    PlainWindow second;
     QVERIFY(second.showManaged());
     moveWindowToScreenCenter(&first, nullptr);
     moveWindowToScreenCenter(&second, nullptr);
@@ -228,7 +111,7 @@ void tst_Windows::centredWindowIsRaisedAmongRaised()
 /// Not before what is pending has happened.
 void tst_Windows::raisedAfterPendingEvents()
 {
-    Window window;
+    PlainWindow window;
     QVERIFY(window.showManaged());
     bool aboveAtPendingEvent = true;
     QTimer::singleShot(0, this, [&] { aboveAtPendingEvent = isAbove(window.winId()); });
@@ -249,11 +132,11 @@ void tst_Windows::centredByFrame_data()
 void tst_Windows::centredByFrame()
 {
     QFETCH(bool, withParent);
-    Window parent(QRect(900, 700, 100, 100));
+    PlainWindow parent(QRect(900, 700, 100, 100));
     QVERIFY(parent.showManaged());
     QWidget* const p = withParent ? &parent : nullptr;
 
-    Window plain(QRect(10, 10, 201, 100), Qt::FramelessWindowHint);
+    PlainWindow plain(QRect(10, 10, 201, 100), Qt::FramelessWindowHint);
     QVERIFY(plain.showManaged());
     moveWindowToScreenCenter(&plain, p);
     const QStringList arguments = {QStringLiteral("-id"), windowArgument(plain.winId())};
@@ -261,7 +144,7 @@ void tst_Windows::centredByFrame()
                     .contains(QRegularExpression(QStringLiteral(
                         "Absolute upper-left X:  699\\n.*Absolute upper-left Y:  550\\n"))));
 
-    Window framed(QRect(10, 10, 201, 100));
+    PlainWindow framed(QRect(10, 10, 201, 100));
     QVERIFY(framed.showManaged());
     QTRY_VERIFY(framed.frameGeometry().height() > framed.height());
     moveWindowToScreenCenter(&framed, p);
@@ -278,13 +161,13 @@ void tst_Windows::centredByFrame()
 
 void tst_Windows::levelStays()
 {
-    Window window;
+    PlainWindow window;
     QVERIFY(window.showManaged());
     moveWindowToScreenCenter(&window, nullptr);
     QTRY_VERIFY(isAbove(window.winId()));
     window.move(5, 5);
     window.lower();
-    Window other;
+    PlainWindow other;
     QVERIFY(other.showManaged());
     QTRY_COMPARE(stacking(), QList<WId>({other.winId(), window.winId()}));
     QVERIFY(isAbove(window.winId()));
@@ -297,9 +180,9 @@ void tst_Windows::levelStays()
 
 void tst_Windows::dyingWindow()
 {
-    auto window = std::make_unique<Window>();
+    auto window = std::make_unique<PlainWindow>();
     QVERIFY(window->showManaged());
-    Window next;
+    PlainWindow next;
     QVERIFY(next.showManaged());
     moveWindowToScreenCenter(window.get(), nullptr);
     moveWindowToScreenCenter(&next, nullptr);
@@ -309,7 +192,7 @@ void tst_Windows::dyingWindow()
 
 void tst_Windows::baseDialog()
 {
-    Window parent;
+    PlainWindow parent;
     QVERIFY(parent.showManaged());
     CBaseDialog dialog(&parent);
     dialog.setMinimumSize(200, 100);
@@ -326,7 +209,7 @@ void tst_Windows::baseDialog()
 
 void tst_Windows::closeButton()
 {
-    Window window;
+    PlainWindow window;
     QVERIFY(window.showManaged());
     const WId id = window.winId();
     const Qt::WindowFlags flags = window.windowHandle()->flags();
@@ -358,7 +241,7 @@ void tst_Windows::closeButton()
 /// It lasts while the window is hidden.
 void tst_Windows::closeButtonOfHiddenWindow()
 {
-    Window window;
+    PlainWindow window;
     QVERIFY(window.showManaged());
     const WId id = window.winId();
     enableWindowCloseButton(id, false);
@@ -375,7 +258,7 @@ void tst_Windows::closeButtonOfHiddenWindow()
 /// The handle of any widget stands for its window.
 void tst_Windows::closeButtonOfChild()
 {
-    Window window;
+    PlainWindow window;
     QWidget child(&window);
     const WId childId = child.winId();
     QVERIFY(window.showManaged());
@@ -398,7 +281,7 @@ void tst_Windows::closeButtonOfFixedFlags_data()
 void tst_Windows::closeButtonOfFixedFlags()
 {
     QFETCH(int, flags);
-    Window window(QRect(100, 100, 200, 100), Qt::WindowFlags(flags));
+    PlainWindow window(QRect(100, 100, 200, 100), Qt::WindowFlags(flags));
     QVERIFY(window.showManaged());
     const WId id = window.winId();
     const Qt::WindowFlags before = window.windowHandle()->flags();
@@ -412,14 +295,14 @@ void tst_Windows::closeButtonOfFixedFlags()
 
 void tst_Windows::closeRequest()
 {
-    Window window;
+    PlainWindow window;
     QVERIFY(window.showManaged());
     enableWindowCloseButton(window.winId(), false);
     Taskbar taskbar;
     for (int i = 0; i < 2; ++i) {
         // Requests are served one after the other, so once the second window has gone, the first
         // one's has been dealt with.
-        Window other;
+        PlainWindow other;
         QVERIFY(other.showManaged());
         taskbar.requestClose(window.winId());
         taskbar.requestClose(other.winId());
@@ -435,7 +318,7 @@ void tst_Windows::closeRequest()
 /// Only the user loses the way to close.
 void tst_Windows::closeByProgram()
 {
-    Window window;
+    PlainWindow window;
     QVERIFY(window.showManaged());
     enableWindowCloseButton(window.winId(), false);
     QVERIFY(window.close());
@@ -448,7 +331,7 @@ void tst_Windows::unknownWindow_data()
     QTest::newRow("none") << qulonglong(0);
     QTest::newRow("a number of nothing") << qulonglong(0x7ffffff);
     QTest::newRow("greater than any window's") << qulonglong(0x7fffff0123456789);
-    const auto gone = std::make_unique<Window>();
+    const auto gone = std::make_unique<PlainWindow>();
     QTest::newRow("of a window that has gone") << qulonglong(gone->winId());
     QTest::newRow("of the screen's ground, which isn't ours")
         << output("xwininfo", {QStringLiteral("-root")})
@@ -464,7 +347,7 @@ void tst_Windows::unknownWindow()
     enableWindowCloseButton(id, false);
     enableWindowCloseButton(id, true);
     // Its answer comes after all earlier errors.
-    Window window;
+    PlainWindow window;
     QVERIFY(window.showManaged());
     QVERIFY(hasCloseFunction(window.winId()));
 }

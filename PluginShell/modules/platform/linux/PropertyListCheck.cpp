@@ -102,18 +102,37 @@ private:
     std::vector<bool> m_seen;
 };
 
+/// The first place behind \a mark, or -1.
+int behind(const QByteArray& content, const char* mark, int from)
+{
+    const int place = content.indexOf(mark, from);
+    return place < 0 ? place : place + int(qstrlen(mark));
+}
+
+/// Counts elements that are open, whatever they are, and passes over what may hide tags.
 bool isShallowXml(const QByteArray& content)
 {
     int depth = 0;
-    for (int i = content.indexOf('<'); i >= 0; i = content.indexOf('<', i + 1)) {
-        const QByteArray tag =
-            QByteArray::fromRawData(content.constData() + i + 1, qMin(6, content.size() - i - 1));
-        if (tag.startsWith("dict") || tag.startsWith("array"))
-            ++depth;
-        else if (tag.startsWith("/dict") || tag.startsWith("/array"))
-            --depth;
-        if (depth > deepest)
+    int place = content.indexOf('<');
+    while (place >= 0) {
+        const QByteArray rest =
+            QByteArray::fromRawData(content.constData() + place, content.size() - place);
+        int next = -1;
+        if (rest.startsWith("<!--")) {
+            next = behind(content, "-->", place + 4);
+        } else if (rest.startsWith("<![CDATA[")) {
+            next = behind(content, "]]>", place);
+        } else {
+            next = behind(content, ">", place);
+            const bool isEmpty = next > 1 && content.at(next - 2) == '/';
+            if (rest.startsWith("</"))
+                --depth;
+            else if (!isEmpty && !rest.startsWith("<?") && !rest.startsWith("<!"))
+                ++depth;
+        }
+        if (next < 0 || depth < 0 || depth > deepest)
             return false;
+        place = content.indexOf('<', next);
     }
     return true;
 }

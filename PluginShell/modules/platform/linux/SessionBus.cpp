@@ -24,7 +24,7 @@ QString busAddress()
     if (runtimeFolder.isEmpty() || !QFileInfo::exists(socket))
         return {};
     return QStringLiteral("unix:path=")
-        + QString::fromLatin1(QFile::encodeName(socket).toPercentEncoding("/"));
+        + QString::fromLatin1(QFile::encodeName(socket).toPercentEncoding("/", "~"));
 }
 
 } // namespace
