@@ -2,9 +2,11 @@
 
 #include <spdlog/pattern_formatter.h>
 
+#include <QByteArray>
 #include <QDir>
 #include <QFile>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -49,19 +51,26 @@ std::unique_ptr<spdlog::formatter> lineFormatter(const QString& name)
 
 int openedFile(const std::string& path, int flags)
 {
-    return ::open(path.c_str(), flags | O_CREAT | O_CLOEXEC, 0666);
+    return ::open(path.c_str(), flags | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666);
 }
 
-/// The size of a file without the half line that a process left when it was killed.
+/// The size of a file without the half line that a process left when it was killed. A file that
+/// ends with anything longer than a line is left as it is, but for an end of line.
 std::size_t wholeLines(int file)
 {
     struct stat status = {};
     if (::fstat(file, &status) != 0)
         return 0;
-    off_t size = status.st_size;
-    for (char last = 0; size > 0 && ::pread(file, &last, 1, size - 1) == 1 && last != '\n';)
-        --size;
-    return std::size_t(size);
+    const off_t tail = std::min(status.st_size, off_t(maxFileSize));
+    const off_t start = status.st_size - tail;
+    QByteArray end(int(tail), '\0');
+    if (::pread(file, end.data(), std::size_t(tail), start) != tail)
+        return std::size_t(status.st_size);
+    const int lastEnd = end.lastIndexOf('\n');
+    if (lastEnd >= 0)
+        return std::size_t(start + lastEnd + 1);
+    const bool hasHalfLine = tail > 0 && ::write(file, "\n", 1) == 1;
+    return std::size_t(status.st_size + (hasHalfLine ? 1 : 0));
 }
 
 void closeFile(int& file)

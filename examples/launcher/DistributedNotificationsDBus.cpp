@@ -23,7 +23,7 @@ QByteArray sessionBusAddress()
     QByteArray address;
     const QList<QByteArray> listed = qgetenv("DBUS_SESSION_BUS_ADDRESS").split(';');
     for (const QByteArray& one : listed) {
-        if (!one.isEmpty() && !one.startsWith("autolaunch:"))
+        if (!one.isEmpty() && !one.startsWith("autolaunch:") && !one.startsWith("unixexec:"))
             address += one + ';';
     }
     if (!address.isEmpty())

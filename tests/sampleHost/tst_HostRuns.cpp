@@ -89,8 +89,11 @@ private:
         const QString process = QStringLiteral("= %1\n").arg(m_process.processId());
         const QList<WId> windows = stacking();
         for (const WId candidate : windows) {
-            if (windowProperty(candidate, "_NET_WM_PID").endsWith(process))
+            // A new window may have the number of one that the window manager still believes in.
+            if (windowProperty(candidate, "_NET_WM_PID").endsWith(process)
+                && managerState(candidate) == QLatin1String("Normal")) {
                 return candidate;
+            }
         }
         return 0;
     }

@@ -22,7 +22,9 @@
 class UTILSDLL_EXPORT CApplicationParametersHandler_Abstract
 {
 public:
-    /// \a argc decides whether this process listens: only 1 does. \a argv isn't read.
+    /// \a argc, as main() was called with it, decides whether this process listens: only 1 does.
+    /// The application object takes the options that it knows away, so keep a copy. \a argv isn't
+    /// read.
     CApplicationParametersHandler_Abstract(int argc, char** argv);
     virtual ~CApplicationParametersHandler_Abstract();
 

@@ -11,8 +11,8 @@ namespace Private {
 
 namespace {
 
-/// Far above any command line, and below what a byte array holds.
-constexpr qint64 largestFile = 512 * 1024 * 1024;
+/// More than a system takes for a command line.
+constexpr qint64 largestFile = 8 * 1024 * 1024;
 
 bool isUtf8(const QByteArray& text)
 {
@@ -27,21 +27,18 @@ bool isUtf8(const QByteArray& text)
 std::list<std::string> readArgumentsFile(const QString& path)
 {
     QFile file(path);
-    if (!QFileInfo(path).isFile() || file.size() > largestFile || !file.open(QIODevice::ReadOnly))
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray content = file.read(largestFile + 1);
+    if (content.size() > largestFile || file.error() != QFile::NoError || !isUtf8(content))
         return {};
 
     std::list<std::string> arguments;
-    while (!file.atEnd()) {
-        QByteArray line = file.readLine();
-        if (line.endsWith('\n'))
-            line.chop(1);
-        if (!isUtf8(line))
-            return {};
+    const QList<QByteArray> lines = content.split('\n');
+    for (const QByteArray& line : lines) {
         if (!line.isEmpty())
             arguments.emplace_back(line.constData()); // up to a zero byte, as arguments are
     }
-    if (file.error() != QFile::NoError)
-        return {};
     return arguments;
 }
 

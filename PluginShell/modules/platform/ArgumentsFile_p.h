@@ -11,7 +11,8 @@ namespace VEK_NAMESPACE {
 namespace Private {
 
 /// The arguments in a file that holds one a line, in UTF-8, empty lines dropped. None if the file
-/// can't be read, isn't a plain file, or isn't UTF-8 from end to end.
+/// can't be read, isn't a plain file, is larger than any command line (8 MiB), or isn't UTF-8 from
+/// end to end.
 std::list<std::string> readArgumentsFile(const QString& path);
 
 } // namespace Private

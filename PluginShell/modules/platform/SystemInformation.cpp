@@ -37,8 +37,9 @@ QString MacOSGetBundleResourceDirPath(QString const& identifier)
 
 QString MacOSGetMainBundlePath()
 {
-    static QMutex mutex;
-    static QString retVal;
+    // For the life of the process: destructors of static objects may still ask.
+    static auto& mutex = *new QMutex;
+    static auto& retVal = *new QString;
     const QMutexLocker locker(&mutex);
     if (retVal.isEmpty())
         retVal = mainBundlePath();

@@ -17,6 +17,12 @@ using Private::logLine;
 
 namespace {
 
+/// For the life of the process: destructors of static objects may still ask.
+const QString& kept(const QString& path)
+{
+    return *new QString(path);
+}
+
 /// Creates the folder if it is missing.
 const QString& ensured(const QString& folder)
 {
@@ -72,49 +78,50 @@ QString CStorageLocation::dataLocation(const QString& subFolder, bool createIfMi
 
 QString CStorageLocation::diskCacheLocation()
 {
-    static const QString path = applicationDataFolder(QStringLiteral("DiskCache"));
+    static const QString& path = kept(applicationDataFolder(QStringLiteral("DiskCache")));
     return ensured(path);
 }
 
 QString CStorageLocation::cachedTokenFilePath()
 {
-    static const QString path = applicationDataFolder(QStringLiteral("Facebook"));
+    static const QString& path = kept(applicationDataFolder(QStringLiteral("Facebook")));
     return ensured(path);
 }
 
 QString CStorageLocation::packUserStoragePath()
 {
-    static const QString path = applicationDataFolder(QStringLiteral("PresetPack"));
+    static const QString& path = kept(applicationDataFolder(QStringLiteral("PresetPack")));
     return ensured(path);
 }
 
 QString CStorageLocation::favoritePresetPath()
 {
-    static const QString path = applicationDataFolder(QStringLiteral("Favorite"));
+    static const QString& path = kept(applicationDataFolder(QStringLiteral("Favorite")));
     return ensured(path);
 }
 
 QString CStorageLocation::cafDataPath()
 {
-    static const QString path = applicationDataFolder(QStringLiteral("Modules"));
+    static const QString& path = kept(applicationDataFolder(QStringLiteral("Modules")));
     return ensured(path);
 }
 
 QString CStorageLocation::loggerFilesPath()
 {
-    static const QString path = applicationDataFolder(QStringLiteral("Logs"));
+    static const QString& path = kept(applicationDataFolder(QStringLiteral("Logs")));
     return ensured(path);
 }
 
 QString CStorageLocation::crashFilesPath()
 {
-    static const QString path = applicationDataFolder(QStringLiteral("CrashReports"));
+    static const QString& path = kept(applicationDataFolder(QStringLiteral("CrashReports")));
     return ensured(path);
 }
 
 QString CStorageLocation::crashTempFilesPath()
 {
-    static const QString path = crashFilesPath() + QStringLiteral("temp") + QDir::separator();
+    static const QString& path =
+        kept(crashFilesPath() + QStringLiteral("temp") + QDir::separator());
     return ensured(path);
 }
 
@@ -130,35 +137,35 @@ QString CStorageLocation::getSamplePicturesLocation()
 
 QString CStorageLocation::getPreferencesFilePath()
 {
-    static const QString path = Platform::systemFolder() + QStringLiteral("Preferences.ini");
+    static const QString& path = kept(Platform::systemFolder() + QStringLiteral("Preferences.ini"));
     return path;
 }
 
 QString CStorageLocation::miniatureBlurShapesPath()
 {
-    static const QString path = luaResourcePath(QStringLiteral("BlurShapes.lua"),
-                                                QStringLiteral("Miniature blur shapes data path"));
+    static const QString& path = kept(luaResourcePath(
+        QStringLiteral("BlurShapes.lua"), QStringLiteral("Miniature blur shapes data path")));
     return path;
 }
 
 QString CStorageLocation::framePackPath()
 {
-    static const QString path =
-        luaResourcePath(QStringLiteral("Frames.lua"), QStringLiteral("Frames data path"));
+    static const QString& path =
+        kept(luaResourcePath(QStringLiteral("Frames.lua"), QStringLiteral("Frames data path")));
     return path;
 }
 
 QString CStorageLocation::texturesPackPath()
 {
-    static const QString path =
-        luaResourcePath(QStringLiteral("Textures.lua"), QStringLiteral("Textures data path"));
+    static const QString& path =
+        kept(luaResourcePath(QStringLiteral("Textures.lua"), QStringLiteral("Textures data path")));
     return path;
 }
 
 QString CStorageLocation::defectsPackPath()
 {
-    static const QString path =
-        luaResourcePath(QStringLiteral("Defects.lua"), QStringLiteral("Defects data path"));
+    static const QString& path =
+        kept(luaResourcePath(QStringLiteral("Defects.lua"), QStringLiteral("Defects data path")));
     return path;
 }
 

@@ -6,7 +6,8 @@
 
 namespace VEK_NAMESPACE {
 
-/// Where the product keeps its data. No other code composes such a path.
+/// Where the product keeps its data. No other code composes such a path, but for the settings file
+/// and the user's identifier.
 ///
 /// Folder paths end with a separator unless told otherwise. Most folders are created by the call,
 /// also when they have been deleted since the last one; no failure is reported, and the path is

@@ -34,10 +34,17 @@ QString plainText(const QUuid& uuid)
     return uuid.toString().remove(QLatin1Char('{')).remove(QLatin1Char('}'));
 }
 
+/// Opening a pipe or the like would wait for its other end.
+bool canBeOpened(const QFile& file)
+{
+    const QFileInfo info(file);
+    return !info.exists() || info.isFile() || info.isDir();
+}
+
 /// Empty if the file holds no identifier.
 QString readUserID(QFile& file)
 {
-    if (!file.open(QIODevice::ReadOnly))
+    if (!canBeOpened(file) || !file.open(QIODevice::ReadOnly))
         return {};
     constexpr int longestText = 42;
     const QByteArray text = file.read(longestText);
@@ -49,7 +56,7 @@ QString readUserID(QFile& file)
 void writeUserID(QFile& file, const QString& userId)
 {
     QDir::root().mkpath(QFileInfo(file).dir().absolutePath());
-    if (file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+    if (canBeOpened(file) && file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
         file.write(userId.toLatin1());
         return;
     }

@@ -25,7 +25,8 @@ UTILSDLL_EXPORT ILoggerInterface* initLoggerForUtilsDll(ILoggerInterface* logger
                                                         const QString& moduleName);
 
 /// Starts a traced scope. The result is null without a logger, and otherwise valid only as long as
-/// the logger itself keeps what its trace() returned. Any thread.
+/// the logger itself keeps what its trace() returned. The product's logger keeps nothing: there the
+/// scope ends at once, and whoever wants one keeps what g_logger->trace() returns. Any thread.
 UTILSDLL_EXPORT ILoggerTrace* logTrace(const char* file, const char* function, int line);
 
 /// @}

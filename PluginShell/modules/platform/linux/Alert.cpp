@@ -22,6 +22,7 @@ struct AlertText
     QByteArray plain;
     QByteArray titleOption;
     QByteArray textOption;
+    QByteArray message; ///< can't be taken for an option
 };
 
 namespace {
@@ -165,7 +166,8 @@ AlertTextPointer makeAlertText(const QString& text)
 {
     alertProgram();
     const QByteArray plain = text.toUtf8();
-    return AlertTextPointer(new AlertText{plain, "--title=" + plain, "--text=" + plain});
+    return AlertTextPointer(new AlertText{plain, "--title=" + plain, "--text=" + plain,
+                                          plain.startsWith('-') ? ' ' + plain : plain});
 }
 
 void showAlert(const AlertText& title, const AlertText& text)

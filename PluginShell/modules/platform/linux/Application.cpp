@@ -9,6 +9,7 @@
 #include <QFileInfo>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPointer>
 #include <QProcess>
 #include <QSysInfo>
 #include <QWindow>
@@ -27,8 +28,10 @@ public:
     {
         connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
                 [this](Qt::ApplicationState state) {
-                    if (state != Qt::ApplicationActive)
-                        m_onResign();
+                    if (state == Qt::ApplicationActive)
+                        return;
+                    const auto tell = m_onResign; // this observer may go meanwhile
+                    tell();
                 });
         qApp->installEventFilter(this);
     }
@@ -43,16 +46,28 @@ public:
 
     bool eventFilter(QObject* watched, QEvent* event) override
     {
-        if (event->type() == QEvent::WindowStateChange && watched->isWidgetType()) {
-            const auto* window = static_cast<const QWidget*>(watched);
-            const auto oldState = static_cast<const QWindowStateChangeEvent*>(event)->oldState();
-            if (window->isWindow() && window->isMinimized() && !(oldState & Qt::WindowMinimized))
-                m_onResign();
+        if (event->type() == QEvent::WindowStateChange
+            && isMinimized(watched, static_cast<const QWindowStateChangeEvent*>(event))) {
+            const auto onResign = m_onResign; // this observer may go meanwhile
+            onResign();
         }
-        return QObject::eventFilter(watched, event);
+        return false;
     }
 
 private:
+    static bool isMinimized(const QObject* watched, const QWindowStateChangeEvent* event)
+    {
+        if (event->oldState() & Qt::WindowMinimized)
+            return false;
+        if (watched->isWidgetType()) {
+            const auto* window = static_cast<const QWidget*>(watched);
+            return window->isWindow() && window->isMinimized();
+        }
+        // Windows of widgets have been asked as widgets.
+        return watched->isWindowType() && !watched->inherits("QWidgetWindow")
+            && static_cast<const QWindow*>(watched)->windowState() == Qt::WindowMinimized;
+    }
+
     const std::function<void()> m_onResign;
 };
 
@@ -110,13 +125,19 @@ std::unique_ptr<FloatingWhileActive> floatWhileActive(WindowId id)
 
 void setMenuBarEnabled(bool enable)
 {
+    // Whoever watches an entry may delete another one.
+    QList<QPointer<QAction>> entries;
     const QWidgetList widgets = QApplication::allWidgets();
     for (const QWidget* widget : widgets) {
         if (const auto* menuBar = qobject_cast<const QMenuBar*>(widget)) {
-            const auto entries = menuBar->actions();
-            for (QAction* entry : entries)
-                entry->setEnabled(enable);
+            const auto actions = menuBar->actions();
+            for (QAction* action : actions)
+                entries << action;
         }
+    }
+    for (const QPointer<QAction>& entry : qAsConst(entries)) {
+        if (entry)
+            entry->setEnabled(enable);
     }
 }
 

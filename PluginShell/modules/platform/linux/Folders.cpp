@@ -2,6 +2,7 @@
 #include "PlatformServices_p.h"
 #include "posix/PasswordEntry_p.h"
 
+#include <QDir>
 #include <QStandardPaths>
 
 #include <systemd/sd-login.h>
@@ -14,7 +15,7 @@ QString systemFolder()
 {
     const QString siteFolder = QString::fromUtf8(VEK_SYSTEM_FOLDER);
     if (!siteFolder.isEmpty())
-        return siteFolder + QLatin1Char('/');
+        return QDir::cleanPath(siteFolder) + QLatin1Char('/');
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
         + QStringLiteral("/Vek Labs/krnv3/");
 }

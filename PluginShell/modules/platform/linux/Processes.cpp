@@ -121,7 +121,7 @@ QString executablePath(qint64 process)
 
 std::optional<Screen> mainScreen()
 {
-    const QScreen* screen = qGuiApp ? QGuiApplication::primaryScreen() : nullptr;
+    const QScreen* screen = QGuiApplication::primaryScreen();
     if (!screen)
         return std::nullopt;
     return Screen{screen->size(), screen->physicalSize()};

@@ -11,6 +11,7 @@ namespace Platform {
 namespace {
 
 constexpr int deepest = 100;
+constexpr quint64 mostParsed = 4 * 1024 * 1024;
 
 /// Walks through the containers of a binary list, which ends with the width of an offset, the width
 /// of a reference, three numbers of eight bytes (objects, top object, place of the offsets), and
@@ -63,11 +64,12 @@ private:
         if (!marker)
             return false;
 
-        constexpr unsigned array = 0xA, set = 0xC, dictionary = 0xD;
+        constexpr unsigned data = 0x4, utf16 = 0x6, array = 0xA, set = 0xC, dictionary = 0xD;
         const unsigned kind = unsigned(*marker >> 4);
-        if (kind != array && kind != set && kind != dictionary)
-            return true;
-        if (m_seen[size_t(object)])
+        const bool isContainer = kind == array || kind == set || kind == dictionary;
+        if (!isContainer && (kind < data || kind > utf16)) // numbers and the like
+            return isAffordable(1);
+        if (isContainer && m_seen[size_t(object)])
             return false;
         m_seen[size_t(object)] = true;
 
@@ -84,6 +86,8 @@ private:
             count = *longCount;
             references += 1 + countWidth;
         }
+        if (!isContainer)
+            return isAffordable(kind == utf16 ? count * 2 : count);
         if (kind == dictionary) // keys, then values
             count *= 2;
         for (quint64 i = 0; i < count; ++i) {
@@ -94,7 +98,15 @@ private:
         return true;
     }
 
+    /// The parser makes a copy for each reference.
+    bool isAffordable(quint64 bytes)
+    {
+        m_parsed += bytes;
+        return m_parsed <= mostParsed;
+    }
+
     const QByteArray& m_content;
+    quint64 m_parsed = 0;
     unsigned m_offsetWidth = 0;
     unsigned m_referenceWidth = 0;
     quint64 m_objectCount = 0;
@@ -112,6 +124,10 @@ int behind(const QByteArray& content, const char* mark, int from)
 /// Counts elements that are open, whatever they are, and passes over what may hide tags.
 bool isShallowXml(const QByteArray& content)
 {
+    const QByteArray text = content.startsWith("\xEF\xBB\xBF") ? content.mid(3) : content;
+    if (!text.trimmed().startsWith('<')) // some other format
+        return false;
+
     int depth = 0;
     int place = content.indexOf('<');
     while (place >= 0) {
@@ -124,6 +140,8 @@ bool isShallowXml(const QByteArray& content)
             next = behind(content, "]]>", place);
         } else {
             next = behind(content, ">", place);
+            if (rest.startsWith("<!DOCTYPE") && content.mid(place, next - place).contains('['))
+                return false; // declarations of its own
             const bool isEmpty = next > 1 && content.at(next - 2) == '/';
             if (rest.startsWith("</"))
                 --depth;

@@ -10,14 +10,20 @@ namespace Platform {
 
 namespace {
 
-/// Empty without a bus.
+/// Empty without a bus. What would start a program is left out of the list that an address is.
 QString busAddress()
 {
-    const QString address = qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS")
-        ? QString()
-        : QString::fromLocal8Bit(qgetenv("DBUS_SESSION_BUS_ADDRESS"));
-    if (!address.isEmpty())
-        return address.contains(QLatin1String("autolaunch:")) ? QString() : address;
+    QStringList addresses;
+    const QStringList listed = QString::fromLocal8Bit(qgetenv("DBUS_SESSION_BUS_ADDRESS"))
+                                   .split(QLatin1Char(';'), QString::SkipEmptyParts);
+    for (const QString& address : listed) {
+        if (!address.startsWith(QLatin1String("autolaunch:"))
+            && !address.startsWith(QLatin1String("unixexec:"))) {
+            addresses << address;
+        }
+    }
+    if (!addresses.isEmpty())
+        return addresses.join(QLatin1Char(';'));
 
     const QString runtimeFolder = QFile::decodeName(qgetenv("XDG_RUNTIME_DIR"));
     const QString socket = runtimeFolder + QStringLiteral("/bus");
@@ -34,8 +40,10 @@ std::optional<QDBusConnection> sessionBus()
     const QString address = busAddress();
     if (address.isEmpty() || !QCoreApplication::instance())
         return std::nullopt;
-    const QDBusConnection bus =
-        QDBusConnection::connectToBus(address, QStringLiteral("com.vek.krnv3"));
+    const QString name = QStringLiteral("com.vek.krnv3");
+    if (!QDBusConnection(name).isConnected())
+        QDBusConnection::disconnectFromBus(name); // one that has died
+    const QDBusConnection bus = QDBusConnection::connectToBus(address, name);
     if (!bus.isConnected())
         return std::nullopt;
     return bus;

@@ -43,8 +43,11 @@ void flushRequests(const QWindow* window)
 template <typename T>
 T* childOf(const QWindow* window)
 {
-    return static_cast<T*>(
-        window->findChild<QObject*>(QLatin1String(T::name), Qt::FindDirectChildrenOnly));
+    for (QObject* child : window->children()) {
+        if (auto* found = dynamic_cast<T*>(child))
+            return found;
+    }
+    return nullptr;
 }
 
 /// Keeps a window in front of all others. A window manager doesn't listen before it has taken the
@@ -53,13 +56,10 @@ T* childOf(const QWindow* window)
 class RaisedLevel : public QObject
 {
 public:
-    static constexpr auto name = "RaisedLevel";
-
     explicit RaisedLevel(QWindow* window)
         : QObject(window)
         , m_waits(!window->isExposed())
     {
-        setObjectName(QLatin1String(name));
         connect(KX11Extras::self(), &KX11Extras::windowAdded, this, [window](WId id) {
             if (window->handle() && id == window->winId())
                 request(window);
@@ -95,18 +95,23 @@ private:
 class CloseButtonDisabler : public QObject
 {
 public:
-    static constexpr auto name = "CloseButtonDisabler";
-
     explicit CloseButtonDisabler(QWindow* window)
         : QObject(window)
-        , m_oldFlags(window->flags())
+        , m_ownFlags(window->flags() & closeFlags)
     {
-        setObjectName(QLatin1String(name));
-        window->setFlags((m_oldFlags | Qt::CustomizeWindowHint) & ~Qt::WindowCloseButtonHint);
         window->installEventFilter(this);
     }
 
-    Qt::WindowFlags oldFlags() const { return m_oldFlags; }
+    /// Again, too, as the program may have set flags of its own meanwhile.
+    static void takeButton(QWindow* window)
+    {
+        window->setFlags((window->flags() | Qt::CustomizeWindowHint) & ~Qt::WindowCloseButtonHint);
+    }
+
+    void giveButtonBack(QWindow* window) const
+    {
+        window->setFlags((window->flags() & ~closeFlags) | m_ownFlags);
+    }
 
     bool eventFilter(QObject* watched, QEvent* event) override
     {
@@ -117,7 +122,10 @@ public:
     }
 
 private:
-    const Qt::WindowFlags m_oldFlags;
+    static constexpr Qt::WindowFlags closeFlags{Qt::CustomizeWindowHint
+                                                | Qt::WindowCloseButtonHint};
+
+    const Qt::WindowFlags m_ownFlags;
 };
 
 /// Several events tell of one switch, so what counts is how the window was before.
@@ -257,12 +265,18 @@ void setCloseButtonEnabled(WindowId id, bool enable)
     if (!window)
         return;
     const auto* disabler = childOf<CloseButtonDisabler>(window);
-    if (enable && disabler) {
-        window->setFlags(disabler->oldFlags());
+    if (enable && !disabler)
+        return;
+    if (enable) {
+        disabler->giveButtonBack(window);
         delete disabler;
-    } else if (!enable && !disabler) {
-        new CloseButtonDisabler(window);
+    } else {
+        if (!disabler)
+            new CloseButtonDisabler(window);
+        CloseButtonDisabler::takeButton(window);
     }
+    if (childOf<RaisedLevel>(window)) // new flags take it away
+        RaisedLevel::request(window);
     flushRequests(window);
 }
 
