@@ -160,7 +160,9 @@ private:
         xcb_send_event(m_connection, false, screen->root,
                        XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                        reinterpret_cast<const char*>(&event));
-        xcb_flush(m_connection);
+        // A server drops what it hasn't read of a connection that is closed.
+        const auto sync = xcb_get_input_focus(m_connection);
+        std::free(xcb_get_input_focus_reply(m_connection, sync, nullptr));
     }
 
     xcb_connection_t* const m_connection;
