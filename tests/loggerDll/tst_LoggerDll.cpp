@@ -21,6 +21,7 @@
 #include <vector>
 
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -217,6 +218,10 @@ private Q_SLOTS:
     void moduleNamesAreSafeFileNames();
     void aMissingFolderIsCreated();
     void linesGoOnBehindThoseOfARunBefore();
+    void whatIsNoLineOfALogStays_data();
+    void whatIsNoLineOfALogStays();
+    void aFileThatIsTooLargeToBeReadIsOpenedAllTheSame();
+    void aPipeInPlaceOfTheLockDoesNoHarm();
     void aSecondSetupSwitchesOver();
     void whatCannotBeWrittenIsDropped_data();
     void whatCannotBeWrittenIsDropped();
@@ -536,6 +541,60 @@ void tst_LoggerDll::linesGoOnBehindThoseOfARunBefore()
              (QStringList{QStringLiteral("before"), QStringLiteral("after")}));
 }
 
+void tst_LoggerDll::whatIsNoLineOfALogStays_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QString>("file");
+
+    QTest::newRow("zero bytes") << QByteArray(100000, '\0') << QStringLiteral("module.log");
+    QTest::newRow("more zero bytes than a file holds")
+        << QByteArray(6 << 20, '\0') << QStringLiteral("module.1.log");
+    QTest::newRow("more zero bytes than a file holds, behind a line")
+        << "a line\n" + QByteArray(6 << 20, '\0') << QStringLiteral("module.1.log");
+}
+
+/// The next line stands on a line of its own all the same.
+void tst_LoggerDll::whatIsNoLineOfALogStays()
+{
+    QFETCH(QByteArray, before);
+    QFETCH(QString, file);
+    QFile newest(path("module.log"));
+    QVERIFY(newest.open(QIODevice::WriteOnly));
+    QCOMPARE(newest.write(before), qint64(before.size()));
+    newest.close();
+
+    setup();
+    m_logger->log('E', "text");
+
+    QVERIFY(contents(m_folder->filePath(file)).startsWith(before + '\n'));
+    QCOMPARE(textsOf(path("module.log")).last(), QStringLiteral("text"));
+}
+
+void tst_LoggerDll::aFileThatIsTooLargeToBeReadIsOpenedAllTheSame()
+{
+    constexpr qint64 size = qint64(3) << 30; // of which the disk holds nothing
+    QFile file(path("module.log"));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(size));
+    file.close();
+
+    setup();
+    m_logger->log('E', "text");
+
+    QCOMPARE(QFileInfo(path("module.1.log")).size(), size + 1);
+    QCOMPARE(textsOf(path("module.log")), QStringList{QStringLiteral("text")});
+}
+
+/// Nobody is at its other end, so that whoever opens it waits for ever.
+void tst_LoggerDll::aPipeInPlaceOfTheLockDoesNoHarm()
+{
+    QCOMPARE(mkfifo(QFile::encodeName(path(".module.lock")).constData(), 0600), 0);
+    LoggerProcess process(m_folder->path(), QStringLiteral("module"));
+    QVERIFY(process.isReady());
+    QVERIFY(process.log('E', "text"));
+
+    QCOMPARE(textsOf(path("module.log")), QStringList{QStringLiteral("text")});
+}
+
 void tst_LoggerDll::aSecondSetupSwitchesOver()
 {
     const QTemporaryDir otherFolder;
@@ -566,6 +625,7 @@ void tst_LoggerDll::whatCannotBeWrittenIsDropped_data()
     QTest::newRow("the folder cannot be created") << QStringLiteral("read only/folder");
     QTest::newRow("the folder cannot be written to") << QStringLiteral("read only");
     QTest::newRow("a folder has the file's name") << QStringLiteral("taken");
+    QTest::newRow("a pipe that nobody reads has the file's name") << QStringLiteral("pipe");
     QTest::newRow("the disk is full") << QStringLiteral("full");
     QTest::newRow("there is no folder") << QString();
 }
@@ -581,6 +641,8 @@ void tst_LoggerDll::whatCannotBeWrittenIsDropped()
     QVERIFY(QFile::setPermissions(root.filePath(QStringLiteral("read only")),
                                   QFile::ReadOwner | QFile::ExeOwner));
     QVERIFY(root.mkpath(QStringLiteral("taken/module.log")));
+    QVERIFY(root.mkpath(QStringLiteral("pipe")));
+    QCOMPARE(mkfifo(QFile::encodeName(path("pipe/module.log")).constData(), 0600), 0);
     QVERIFY(root.mkpath(QStringLiteral("full")));
     QVERIFY(
         QFile::link(QStringLiteral("/dev/full"), root.filePath(QStringLiteral("full/module.log"))));

@@ -36,9 +36,11 @@ static std::atomic<int> s_allocations(0);
 
 extern "C" {
 
+// NOLINTBEGIN(*-reserved-identifier,cert-dcl*): what the C library calls its own
 void* __libc_malloc(size_t size);
 void* __libc_calloc(size_t count, size_t size);
 void* __libc_realloc(void* memory, size_t size);
+// NOLINTEND(*-reserved-identifier,cert-dcl*)
 
 void* malloc(size_t size)
 {
@@ -567,7 +569,8 @@ int showAlerts(const QByteArray& manner, const QStringList& words)
 {
     const Platform::AlertTextPointer title = Platform::makeAlertText(words.first());
     std::vector<Platform::AlertTextPointer> texts;
-    for (const QString& text : words.mid(1))
+    const QStringList rest = words.mid(1);
+    for (const QString& text : rest)
         texts.push_back(Platform::makeAlertText(text));
 
     if (manner == "from another path")

@@ -12,7 +12,9 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QTest>
+#include <QWindow>
 
+#include <functional>
 #include <optional>
 #include <utility>
 
@@ -32,10 +34,13 @@ public:
     void hidePopup() override
     {
         ++hides;
+        if (onHide)
+            onHide();
         QComboBox::hidePopup();
     }
 
     int hides = 0;
+    std::function<void()> onHide;
 };
 
 class WindowWithBox : public PlainWindow
@@ -80,10 +85,13 @@ private Q_SLOTS:
     void focusWithinTheApplication();
     void twoDeactivators();
     void endOfADeactivator();
+    void deactivatorEndsWhileItCloses_data();
+    void deactivatorEndsWhileItCloses();
 
     void minimizing_data();
     void minimizing();
     void minimizedByUser();
+    void windowWithoutWidget();
     void menuClosesWithMinimizing();
     void otherStatesOfAWindow();
 
@@ -232,6 +240,35 @@ void tst_ApplicationActivation::endOfADeactivator()
     QCOMPARE(window.box.hides, 0);
 }
 
+void tst_ApplicationActivation::deactivatorEndsWhileItCloses_data()
+{
+    QTest::addColumn<bool>("minimizing");
+    QTest::newRow("when another application gets the focus") << false;
+    QTest::newRow("when a window is minimised") << true;
+}
+
+/// What it closes may destroy it.
+void tst_ApplicationActivation::deactivatorEndsWhileItCloses()
+{
+    QFETCH(bool, minimizing);
+    std::optional<TopLevelWindowDeactivator> deactivator(std::in_place);
+    WindowWithBox second(QRect(500, 500, 100, 100));
+    QVERIFY(second.showFocused());
+    WindowWithBox window;
+    QVERIFY(window.showFocused());
+    QVERIFY(window.openList());
+    window.box.onHide = [&deactivator] { deactivator.reset(); };
+
+    OtherApplication other;
+    if (minimizing)
+        MacOSMinimizeWindow(second.winId());
+    else
+        QVERIFY(other.start());
+    QTRY_COMPARE(window.box.hides, 1);
+    QVERIFY(!deactivator);
+    QTRY_VERIFY(!window.box.view()->isVisible());
+}
+
 void tst_ApplicationActivation::minimizing_data()
 {
     QTest::addColumn<bool>("withList");
@@ -280,6 +317,34 @@ void tst_ApplicationActivation::minimizedByUser()
     taskbar.requestMinimizing(second.winId());
     QTRY_COMPARE(window.box.hides, 1);
     QTRY_VERIFY(!window.box.view()->isVisible());
+}
+
+void tst_ApplicationActivation::windowWithoutWidget()
+{
+    const TopLevelWindowDeactivator deactivator;
+    QWindow plain;
+    plain.setGeometry(500, 500, 100, 100);
+    plain.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&plain));
+    QTRY_COMPARE(focusedWindow(), plain.winId());
+    WindowWithBox window;
+    QVERIFY(window.showFocused());
+    QVERIFY(window.openList());
+    Taskbar taskbar;
+
+    taskbar.requestState(plain.winId(), "FULLSCREEN", true);
+    QTRY_COMPARE(plain.windowState(), Qt::WindowFullScreen);
+    QCOMPARE(window.box.hides, 0);
+    taskbar.requestState(plain.winId(), "FULLSCREEN", false);
+    QTRY_COMPARE(plain.windowState(), Qt::WindowNoState);
+    QCOMPARE(window.box.hides, 0);
+    QVERIFY(window.box.view()->isVisible());
+
+    taskbar.requestMinimizing(plain.winId());
+    QTRY_COMPARE(window.box.hides, 1);
+    QTRY_VERIFY(!window.box.view()->isVisible());
+    QTRY_VERIFY(WindowActivator::isAppActive());
+    QCOMPARE(window.box.hides, 1);
 }
 
 void tst_ApplicationActivation::menuClosesWithMinimizing()

@@ -139,6 +139,23 @@ private:
     QProcess m_process;
 };
 
+/// The session's bus has another address while it lives.
+class BusAddress
+{
+public:
+    explicit BusAddress(const QString& address)
+        : m_previous(qgetenv("DBUS_SESSION_BUS_ADDRESS"))
+    {
+        qputenv("DBUS_SESSION_BUS_ADDRESS", QFile::encodeName(address));
+    }
+    ~BusAddress() { qputenv("DBUS_SESSION_BUS_ADDRESS", m_previous); }
+
+private:
+    Q_DISABLE_COPY(BusAddress)
+
+    const QByteArray m_previous;
+};
+
 /// The processes that have \a variable in their environment.
 std::vector<pid_t> processesWith(const QByteArray& variable)
 {
@@ -313,6 +330,11 @@ private Q_SLOTS:
     void oneOfTwoProcessesTakesTheArguments();
     void runtimeFoldersBusWillDo_data();
     void runtimeFoldersBusWillDo();
+    void aBusThatIsListedWillDo_data();
+    void aBusThatIsListedWillDo();
+    void aBusMayComeLater_data();
+    void aBusMayComeLater();
+    void aBusMayComeAgain();
     void busMayGo();
     void withoutABusNothingHappens_data();
     void withoutABusNothingHappens();
@@ -336,6 +358,12 @@ private:
     }
 
     QProcess& startReceiver(const QStringList& arguments = QStringList());
+    void prepareStarters();
+    /// What receivers started from now on start themselves.
+    bool hasStarted() const
+    {
+        return exists(path(QStringLiteral("bus started")));
+    }
     /// What the receivers have received, sorted.
     QList<QByteArray> received() const
     {
@@ -394,6 +422,22 @@ QProcess& tst_ApplicationParametersHandler::startReceiver(const QStringList& arg
     process.setProcessEnvironment(m_environment);
     process.start(QStringLiteral(RECEIVER), arguments);
     return process;
+}
+
+/// Programs that would be run for a bus: one that libraries look for when there is a display, and
+/// one that an address may name, "bin/bridge".
+void tst_ApplicationParametersHandler::prepareStarters()
+{
+    const QByteArray script = "#!/bin/sh\n: >'" + QFile::encodeName(path("bus started")) + "'\n";
+    for (const char* name : {"bin/dbus-launch", "bin/bridge"}) {
+        if (!QFile::setPermissions(write(QLatin1String(name), script),
+                                   QFile::ReadOwner | QFile::ExeOwner))
+            qFatal("cannot make %s a program", name);
+    }
+    m_environment.insert(QStringLiteral("PATH"),
+                         path(QStringLiteral("bin:"))
+                             + m_environment.value(QStringLiteral("PATH")));
+    m_environment.insert(QStringLiteral("DISPLAY"), QStringLiteral(":99"));
 }
 
 void tst_ApplicationParametersHandler::announcesItself()
@@ -944,6 +988,92 @@ void tst_ApplicationParametersHandler::runtimeFoldersBusWillDo()
     QCOMPARE(received(), QList<QByteArray>({QByteArray(RECEIVER "\0a\0", sizeof RECEIVER + 2)}));
 }
 
+void tst_ApplicationParametersHandler::aBusThatIsListedWillDo_data()
+{
+    QTest::addColumn<QString>("address");
+
+    QTest::newRow("behind one that would have to be started") << "autolaunch:;%2";
+    QTest::newRow("before one that would have to be started") << "%2;autolaunch:";
+    QTest::newRow("behind one of another place that would have to be started")
+        << "autolaunch:scope=*user;%2";
+    QTest::newRow("behind a program that fails") << "unixexec:path=/bin/false;%2";
+    QTest::newRow("behind a program") << "unixexec:path=%1/bin/bridge;%2";
+    QTest::newRow("before a program") << "%2;unixexec:path=%1/bin/bridge";
+    QTest::newRow("among both") << "autolaunch:;%2;unixexec:path=%1/bin/bridge";
+    QTest::newRow("behind one that isn't there") << "unix:path=%1/bus;%2";
+    QTest::newRow("among separators") << ";;%2;";
+}
+
+void tst_ApplicationParametersHandler::aBusThatIsListedWillDo()
+{
+    QFETCH(QString, address);
+    address.replace(QLatin1String("%1"), m_folder->path());
+    address.replace(QLatin1String("%2"), QFile::decodeName(qgetenv("DBUS_SESSION_BUS_ADDRESS")));
+    m_environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), address);
+    prepareStarters();
+    const QString file = write(QStringLiteral("file"), "a\n");
+    const Witness witness;
+    QProcess& receiver = startReceiver();
+    QTRY_COMPARE(witness.names(), QStringList({announcement, QStringLiteral("READY")}));
+
+    sendAnswer(file);
+    send(notification(QStringLiteral("REPORT")));
+    letMessagesBeHandled(); // by this witness, and not by the next one
+
+    QVERIFY(hasEnded(receiver));
+    QCOMPARE(received(), QList<QByteArray>({QByteArray(RECEIVER "\0a\0", sizeof RECEIVER + 2)}));
+    QCOMPARE(receiver.readAllStandardError(), QByteArray());
+    QVERIFY(!hasStarted());
+}
+
+void tst_ApplicationParametersHandler::aBusMayComeLater_data()
+{
+    QTest::addColumn<QString>("address");
+
+    QTest::newRow("a bus that isn't there") << "unix:path=%1/bus";
+    QTest::newRow("no bus at all") << "disabled:";
+    QTest::newRow("an address that makes no sense") << "not an address";
+}
+
+/// A failure isn't for ever.
+void tst_ApplicationParametersHandler::aBusMayComeLater()
+{
+    QFETCH(QString, address);
+    QDBusConnection::disconnectFromBus(VEK_NAMESPACE::Platform::sessionBus().value().name());
+    const Witness witness;
+    {
+        const BusAddress other(address.replace(QLatin1String("%1"), m_folder->path()));
+        const Handler handler(1, programOnly);
+        QVERIFY(!VEK_NAMESPACE::Platform::sessionBus());
+    }
+
+    const Handler handler(1, programOnly);
+    sendAnswer(write(QStringLiteral("file"), "a\n"));
+
+    QTRY_COMPARE(handler.receivedArguments(), commandLine({"a"}));
+    letMessagesBeHandled();
+    QCOMPARE(witness.names(), QStringList({announcement, answer}));
+}
+
+void tst_ApplicationParametersHandler::aBusMayComeAgain()
+{
+    QDBusConnection::disconnectFromBus(VEK_NAMESPACE::Platform::sessionBus().value().name());
+    {
+        const QString socket = path(QStringLiteral("bus"));
+        const BusAddress other("unix:path=" + socket);
+        PrivateBus bus(socket);
+        const auto connection = VEK_NAMESPACE::Platform::sessionBus();
+        QVERIFY(connection && connection->isConnected());
+        bus.end();
+        QTRY_VERIFY(!connection->isConnected());
+    }
+
+    const Handler handler(1, programOnly);
+    sendAnswer(write(QStringLiteral("file"), "a\n"));
+
+    QTRY_COMPARE(handler.receivedArguments(), commandLine({"a"}));
+}
+
 void tst_ApplicationParametersHandler::busMayGo()
 {
     const QString socket = path(QStringLiteral("bus"));
@@ -973,9 +1103,9 @@ void tst_ApplicationParametersHandler::withoutABusNothingHappens_data()
     };
     addRow("no address", QString());
     addRow("no address and no runtime folder", QString(), QString());
-    addRow("no address and an empty runtime folder's name", QString(), QStringLiteral(""));
+    addRow("no address and an empty runtime folder's name", QString(), QLatin1String(""));
     addRow("no address and a socket without a bus", QString(), QStringLiteral("%1/dead"));
-    addRow("an empty address", QStringLiteral(""));
+    addRow("an empty address", QLatin1String(""));
     addRow("no bus at all", QStringLiteral("disabled:"));
     addRow("a bus that isn't there", QStringLiteral("unix:path=%1/bus"));
     addRow("a socket that nobody listens on", QStringLiteral("unix:path=%1/dead/bus"));
@@ -986,6 +1116,11 @@ void tst_ApplicationParametersHandler::withoutABusNothingHappens_data()
            QStringLiteral("autolaunch:scope=*user"));
     addRow("none there, and another that would have to be started",
            QStringLiteral("unix:path=%1/bus;autolaunch:"));
+    addRow("a program that would have to be started",
+           QStringLiteral("unixexec:path=%1/bin/bridge"));
+    addRow("none there, and a program that would have to be started",
+           QStringLiteral("unix:path=%1/bus;unixexec:path=%1/bin/bridge"));
+    addRow("only separators", QStringLiteral(";;"));
 }
 
 void tst_ApplicationParametersHandler::withoutABusNothingHappens()
@@ -999,14 +1134,7 @@ void tst_ApplicationParametersHandler::withoutABusNothingHappens()
     QCOMPARE(bind(socket, reinterpret_cast<const sockaddr*>(&name), sizeof name), 0);
     close(socket);
 
-    // Here it is that a bus would be started: there is a display, and a program for it.
-    QFile starter(write(QStringLiteral("bin/dbus-launch"),
-                        "#!/bin/sh\n: >'" + QFile::encodeName(path("bus started")) + "'\n"));
-    QVERIFY(starter.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
-    m_environment.insert(QStringLiteral("PATH"),
-                         path(QStringLiteral("bin:"))
-                             + m_environment.value(QStringLiteral("PATH")));
-    m_environment.insert(QStringLiteral("DISPLAY"), QStringLiteral(":99"));
+    prepareStarters();
 
     const auto set = [this](const QString& variable, QString value) {
         if (value.isNull())
@@ -1025,7 +1153,7 @@ void tst_ApplicationParametersHandler::withoutABusNothingHappens()
     QCOMPARE(receiver.exitStatus(), QProcess::NormalExit);
     QCOMPARE(received(), QList<QByteArray>({""}));
     QCOMPARE(receiver.readAllStandardError(), QByteArray());
-    QVERIFY(!exists(path(QStringLiteral("bus started"))));
+    QVERIFY(!hasStarted());
     const std::vector<pid_t> started = processesWith("MARK=" + mark);
     for (const pid_t process : started)
         kill(process, SIGTERM);

@@ -11,6 +11,8 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPointer>
+#include <QScopedPointer>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -58,6 +60,9 @@ private Q_SLOTS:
     void cleanup();
 
     void menuBar();
+    void entryThatDeletesAnother_data();
+    void entryThatDeletesAnother();
+    void menuBarThatDeletesAnother();
     void noMenuBar();
     void specialEditMenuItems();
     void hideMenu();
@@ -120,6 +125,53 @@ void tst_ApplicationServices::menuBar()
     QVERIFY(help->isEnabled());
     QVERIFY(edit->isEnabled()); // whatever it was before
     QVERIFY(!save->isEnabled());
+}
+
+void tst_ApplicationServices::entryThatDeletesAnother_data()
+{
+    QTest::addColumn<int>("deleter");
+    QTest::addColumn<int>("deleted");
+    QTest::newRow("one that follows") << 0 << 1;
+    QTest::newRow("one that has been before") << 1 << 0;
+}
+
+void tst_ApplicationServices::entryThatDeletesAnother()
+{
+    QFETCH(int, deleter);
+    QFETCH(int, deleted);
+    QMenuBar menuBar;
+    QList<QPointer<QAction>> entries;
+    for (const char* title : {"File", "Edit", "Help"})
+        entries << menuBar.addAction(QLatin1String(title));
+    connect(entries[deleter], &QAction::changed, this, [&] { delete entries[deleted]; });
+
+    MacOSEnableMenuBar(false);
+    QVERIFY(!entries[deleted]);
+    QVERIFY(!entries[deleter]->isEnabled());
+    QVERIFY(!entries[2]->isEnabled());
+    MacOSEnableMenuBar(true);
+    QVERIFY(entries[2]->isEnabled());
+}
+
+/// Their order isn't known, so each tries.
+void tst_ApplicationServices::menuBarThatDeletesAnother()
+{
+    QPointer<QMenuBar> first = new QMenuBar;
+    QPointer<QMenuBar> second = new QMenuBar;
+    QMenuBar third;
+    const QAction* help = third.addAction(QStringLiteral("Help"));
+    const auto addEntry = [](QMenuBar* menuBar, const QPointer<QMenuBar>& other) {
+        QAction* entry = menuBar->addAction(QStringLiteral("File"));
+        connect(entry, &QAction::changed, other, [&other] { delete other; });
+    };
+    addEntry(first, second);
+    addEntry(second, first);
+
+    MacOSEnableMenuBar(false);
+    QVERIFY(first.isNull() != second.isNull());
+    const QScopedPointer<QMenuBar> left(first ? first : second);
+    QVERIFY(!left->actions().first()->isEnabled());
+    QVERIFY(!help->isEnabled());
 }
 
 void tst_ApplicationServices::noMenuBar()

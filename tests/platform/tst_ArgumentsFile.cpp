@@ -5,6 +5,7 @@
 #include "OrdinaryFileRights.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -38,6 +39,8 @@ private Q_SLOTS:
     void textThatIsNotUtf8GivesNothing();
     void manyLines();
     void longLine();
+    void sizeHasALimit_data();
+    void sizeHasALimit();
     void theFileStays();
     void whatIsNoReadableFileGivesNothing_data();
     void whatIsNoReadableFileGivesNothing();
@@ -170,6 +173,26 @@ void tst_ArgumentsFile::longLine()
     QVERIFY(write("file", line + '\n' + line));
 
     QVERIFY(argumentsIn(path("file")) == Arguments({line, line}));
+}
+
+void tst_ArgumentsFile::sizeHasALimit_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<Arguments>("arguments");
+
+    const Arguments all = {QByteArray(8 * 1024 * 1024 - 5, 'x'), "end"};
+    QTest::newRow("8 MiB are read") << 8 * 1024 * 1024 << all;
+    QTest::newRow("a byte more isn't") << 8 * 1024 * 1024 + 1 << Arguments();
+}
+
+void tst_ArgumentsFile::sizeHasALimit()
+{
+    QFETCH(int, size);
+    QFETCH(Arguments, arguments);
+    QVERIFY(write("file", QByteArray(size - 5, 'x') + "\nend\n"));
+    QCOMPARE(QFileInfo(path("file")).size(), qint64(size));
+
+    QVERIFY(argumentsIn(path("file")) == arguments);
 }
 
 void tst_ArgumentsFile::theFileStays()

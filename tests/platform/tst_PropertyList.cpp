@@ -23,7 +23,8 @@ QByteArray xml(const QByteArray& entries)
         + entries + "</dict>\n</plist>\n";
 }
 
-const QByteArray entry = "<key>Key</key><string>value</string>\n";
+const QByteArray entry = // clazy:exclude=non-pod-global-static
+    "<key>Key</key><string>value</string>\n";
 
 /// The entry Key, with a list beside it that holds \a levels lists one in another.
 QByteArray deepXml(int levels)
@@ -93,6 +94,23 @@ QByteArray binary(const QList<QByteArray>& objects, Trailer trailer = Trailer())
     if (trailer.offsets == 0)
         trailer.offsets = quint64(content.size());
     return content + offsets + trailer.bytes();
+}
+
+/// A text, or data, of any size. \a count is that of its characters.
+QByteArray longObject(char kind, int count, const QByteArray& bytes)
+{
+    return QByteArray(1, char(kind << 4 | 0xF)) + '\x12' + bigEndian(quint64(count), 4) + bytes;
+}
+
+/// The entry Key, with a list beside it that refers to \a object \a count times.
+QByteArray repeatedBinary(const QByteArray& object, int count)
+{
+    Trailer trailer;
+    trailer.referenceWidth = 1;
+    const QByteArray references(count, '\5');
+    return binary({"\xD2\1\3\2\4", text("Key"), text("value"), text("List"),
+                   longObject(0xA, count, references), object},
+                  trailer);
 }
 
 /// The entry Key, with a list beside it that holds \a levels lists one in another.
@@ -211,6 +229,11 @@ void tst_PropertyList::textOfAnEntry_data()
     addRow("XML: lists in a comment",
            xml("<!-- " + QByteArray("<array>").repeated(200) + " -->" + entry));
     addRow("XML: lists one in another", deepXml(50));
+    addRow("XML: line feeds before it", "\n\n <plist><dict>" + entry + "</dict></plist>");
+    addRow("XML: a bracket in a text", xml("<key>Key</key><string>a[b</string>"), "a[b");
+    addRow("XML: a bracket behind a document type",
+           "<!DOCTYPE plist>\n<plist><dict><key>[</key><string>1</string>" + entry
+               + "</dict></plist>");
 
     // {"Key": "value", "Other": "another"}
     addRow("binary",
@@ -248,6 +271,14 @@ void tst_PropertyList::textOfAnEntry_data()
     addRow("binary: up to a zero byte",
            binary({dictionary({1}, {2}), text("Key"), text(QByteArray("val\0ue", 6))}), "val");
     addRow("binary: lists one in another", deepBinary(50));
+    addRow("binary: a short text that is referred to 60,000 times",
+           repeatedBinary(text("shared"), 60000));
+    addRow("binary: a number that is referred to 60,000 times",
+           repeatedBinary(QByteArray("\x10\x07"), 60000));
+    addRow("binary: a text of 40,000 letters that is referred to 100 times",
+           repeatedBinary(longObject(5, 40000, QByteArray(40000, 'x')), 100));
+    addRow("binary: a text of 40,000 letters in UTF-16 that is referred to 50 times",
+           repeatedBinary(longObject(6, 40000, QByteArray("\x65\xE5").repeated(40000)), 50));
     Trailer lastIsOnTop;
     lastIsOnTop.top = 2;
     addRow("binary: the top object isn't the first",
@@ -332,6 +363,9 @@ void tst_PropertyList::damagedFilesGiveNothing_data()
     addRow("JSON lists one in another", QByteArray(100000, '['));
     addRow("JSON dictionaries one in another", QByteArray("{\"Key\":").repeated(18000));
     addRow("lists of an older form one in another", QByteArray(100000, '('));
+    addRow("the entry as JSON", "{\"Key\": \"value\"}\n");
+    addRow("the entry in an older form", "{ Key = value; }\n");
+    addRow("text before mark-up", "text " + xml(entry));
 
     addRow("XML: no list", "<plist version=\"1.0\"></plist>");
     addRow("XML: a list at the top",
@@ -344,6 +378,11 @@ void tst_PropertyList::damagedFilesGiveNothing_data()
     addRow("XML: an entity without an end", xml("<key>Key</key><string>value&amp</string>"));
     addRow("XML: a zero character", xml("<key>Key</key><string>&#0;</string>"));
     addRow("XML: a comment without an end", xml("<!-- " + entry));
+    addRow("XML: a document type with a declaration of its own",
+           "<!DOCTYPE plist [<!ENTITY a \"value\">]>\n<plist><dict>" + entry + "</dict></plist>");
+    addRow("XML: a document type with no declaration between its brackets",
+           "<?xml version=\"1.0\"?>\n<!DOCTYPE plist SYSTEM \"a\" []>\n<plist><dict>" + entry
+               + "</dict></plist>");
     addRow("XML: lists 200 deep", deepXml(200));
     addRow("XML: lists 5,000 deep", deepXml(5000));
     addRow("XML: lists 3,000 deep between comments that close them",
@@ -381,6 +420,13 @@ void tst_PropertyList::damagedFilesGiveNothing_data()
         sets << char(0xC2) + references({sets.size() + 1, sets.size() + 1});
     sets << array({});
     addRow("binary: sets that hold the next one twice each", binary(sets));
+
+    addRow("binary: a text of 60,000 letters that is referred to 63,000 times",
+           repeatedBinary(longObject(5, 60000, QByteArray(60000, 'x')), 63000));
+    addRow("binary: data of 60,000 bytes that is referred to 100 times",
+           repeatedBinary(longObject(4, 60000, QByteArray(60000, 'x')), 100));
+    addRow("binary: a text of 40,000 letters in UTF-16 that is referred to 100 times",
+           repeatedBinary(longObject(6, 40000, QByteArray("\x65\xE5").repeated(40000)), 100));
 
     addRow("binary: a reference to a missing object",
            binary({dictionary({1, 2}, {2, 9}), text("Key"), text("value")}));

@@ -37,7 +37,8 @@ QByteArray info(const QByteArray& identifier, const QByteArray& version = "3.1.4
                + (name.isEmpty() ? name : xmlEntry("CFBundleName", name)));
 }
 
-const QByteArray mainIdentifier = "com.vek.krnv3.standalone";
+const QByteArray mainIdentifier = // clazy:exclude=non-pod-global-static
+    "com.vek.krnv3.standalone";
 
 /// {"CFBundleIdentifier": "com.vek.krnv3.standalone", "CFBundleShortVersionString": "3.1.4"}
 QByteArray binaryInfo()

@@ -119,6 +119,10 @@ private Q_SLOTS:
     void normalLevelWhileHidden();
 
     void closeButton();
+    void closeButtonOfARaisedWindow();
+    void raisedWithoutCloseButton();
+    void flagsOfTheProgramStay();
+    void closeButtonThatTheProgramBroughtBack();
     void displayId();
     void displayIdOfAChild();
     void noDisplayId();
@@ -618,6 +622,96 @@ void tst_WindowServices::closeButton()
     QCOMPARE(window.hides, 0);
     taskbar.requestClose(id);
     QTRY_VERIFY(!window.isVisible());
+}
+
+void tst_WindowServices::closeButtonOfARaisedWindow()
+{
+    PlainWindow window;
+    QVERIFY(window.showManaged());
+    const WId id = window.winId();
+    MacOSBringToTop(id, true);
+    QTRY_VERIFY(isAbove(id));
+
+    for (const bool enabled : {false, true}) {
+        MacOSSetClosingWindowEnabled(id, enabled);
+        QTRY_COMPARE(hasCloseFunction(id), enabled);
+        // The window manager deals with requests one after the other.
+        PlainWindow other;
+        QVERIFY(other.showManaged());
+        QTRY_COMPARE(stacking(), QList<WId>({other.winId(), id}));
+        QVERIFY(isAbove(id));
+    }
+
+    MacOSBringToTop(id, false);
+    QTRY_VERIFY(!isAbove(id));
+    MacOSSetClosingWindowEnabled(id, false);
+    QTRY_VERIFY(!hasCloseFunction(id));
+    PlainWindow other;
+    QVERIFY(other.showManaged());
+    QVERIFY(!isAbove(id));
+}
+
+void tst_WindowServices::raisedWithoutCloseButton()
+{
+    PlainWindow window;
+    QVERIFY(window.showManaged());
+    const WId id = window.winId();
+    MacOSSetClosingWindowEnabled(id, false);
+    QTRY_VERIFY(!hasCloseFunction(id));
+
+    MacOSBringToTop(id, true);
+    QTRY_VERIFY(isAbove(id));
+    QVERIFY(!hasCloseFunction(id));
+    MacOSSetClosingWindowEnabled(id, true);
+    QTRY_VERIFY(hasCloseFunction(id));
+    PlainWindow other;
+    QVERIFY(other.showManaged());
+    QTRY_COMPARE(stacking(), QList<WId>({other.winId(), id}));
+    QVERIFY(isAbove(id));
+}
+
+/// Those that it sets while the close button is away.
+void tst_WindowServices::flagsOfTheProgramStay()
+{
+    PlainWindow window;
+    QVERIFY(window.showManaged());
+    const WId id = window.winId();
+    QWindow* handle = window.windowHandle();
+    const int functions = motifFunctions(id);
+    const Qt::WindowFlags flags = handle->flags();
+    QVERIFY(!(flags & Qt::WindowStaysOnTopHint));
+    MacOSSetClosingWindowEnabled(id, false);
+    QTRY_VERIFY(!hasCloseFunction(id));
+
+    handle->setFlags(handle->flags() | Qt::WindowStaysOnTopHint);
+    QTRY_VERIFY(isAbove(id));
+    QVERIFY(!hasCloseFunction(id));
+    MacOSSetClosingWindowEnabled(id, true);
+    QTRY_COMPARE(motifFunctions(id), functions);
+    PlainWindow other;
+    QVERIFY(other.showManaged());
+    QVERIFY(isAbove(id));
+    QCOMPARE(handle->flags(), flags | Qt::WindowStaysOnTopHint);
+}
+
+void tst_WindowServices::closeButtonThatTheProgramBroughtBack()
+{
+    PlainWindow window;
+    QVERIFY(window.showManaged());
+    const WId id = window.winId();
+    QWindow* handle = window.windowHandle();
+    const int functions = motifFunctions(id);
+    const Qt::WindowFlags flags = handle->flags();
+    MacOSSetClosingWindowEnabled(id, false);
+    QTRY_VERIFY(!hasCloseFunction(id));
+    handle->setFlags(flags);
+    QTRY_VERIFY(hasCloseFunction(id));
+
+    MacOSSetClosingWindowEnabled(id, false);
+    QTRY_VERIFY(!hasCloseFunction(id));
+    MacOSSetClosingWindowEnabled(id, true);
+    QTRY_COMPARE(motifFunctions(id), functions);
+    QCOMPARE(handle->flags(), flags);
 }
 
 void tst_WindowServices::displayId()

@@ -141,6 +141,21 @@ void askAtOnce()
         print(path);
 }
 
+/// Asks once more when the process ends.
+class LateQuestion
+{
+public:
+    explicit LateQuestion(Location location)
+        : m_location(location)
+    {}
+    ~LateQuestion() { print(m_location()); }
+
+private:
+    Q_DISABLE_COPY(LateQuestion)
+
+    const Location m_location;
+};
+
 /// What a process keeps from one step to the next.
 struct Kept
 {
@@ -190,6 +205,8 @@ bool take(const QString& step, Kept& kept)
             print(line);
     } else if (name == QLatin1String("ask at once")) {
         askAtOnce();
+    } else if (name == QLatin1String("at the end")) {
+        static const LateQuestion question(locations().at(value));
     } else {
         return false;
     }
@@ -331,6 +348,8 @@ private Q_SLOTS:
     void withoutAPasswordEntryTheyLieBesideTheGenericData();
     void theyKeepTheirPathsForTheProcess_data() { foldersOfTheApplication_data(); }
     void theyKeepTheirPathsForTheProcess();
+    void theyAnswerUntilTheProcessEnds_data() { foldersOfTheApplication_data(); }
+    void theyAnswerUntilTheProcessEnds();
     void aDeletedFolderComesBack_data() { foldersOfTheApplication_data(); }
     void aDeletedFolderComesBack();
     void theCrashFolderComesBackWithTheOneInIt();
@@ -355,6 +374,8 @@ private Q_SLOTS:
 
     void filesInTheResources_data();
     void filesInTheResources();
+    void aFileInTheResourcesIsFoundUntilTheProcessEnds_data() { filesInTheResources_data(); }
+    void aFileInTheResourcesIsFoundUntilTheProcessEnds();
     void aFileInTheResourcesIsLoggedOnce_data() { filesInTheResources_data(); }
     void aFileInTheResourcesIsLoggedOnce();
     void aLoggerThatComesLaterIsNotTold();
@@ -526,6 +547,19 @@ void tst_storageLocation::theyKeepTheirPathsForTheProcess()
     QCOMPARE(surroundings.run({location, "move home=@/another", "delete=@/home", location}),
              path + path);
     QCOMPARE(surroundings.leaves("@/another"), QStringList());
+    QCOMPARE(surroundings.leaves("@/home"), QStringList{folder});
+}
+
+/// Static objects that are older than the first call are destroyed after what it has made.
+void tst_storageLocation::theyAnswerUntilTheProcessEnds()
+{
+    QFETCH(QString, location);
+    QFETCH(QString, folder);
+
+    const Surroundings surroundings;
+    surroundings.makeFolder("@/home");
+    const QString path = surroundings.at("@/home/") + folder + "/\n";
+    QCOMPARE(surroundings.run({"at the end=" + location, location}), path + path);
     QCOMPARE(surroundings.leaves("@/home"), QStringList{folder});
 }
 
@@ -796,6 +830,19 @@ void tst_storageLocation::filesInTheResources()
         surroundings.at("@/Host.app/Contents/Resources/Resources/") + file + QLatin1Char('\n');
     QCOMPARE(surroundings.run({location, location}, program), path + path);
     QCOMPARE(surroundings.leaves("@/Host.app"), QStringList{"Contents/MacOS/Host"});
+}
+
+void tst_storageLocation::aFileInTheResourcesIsFoundUntilTheProcessEnds()
+{
+    QFETCH(QString, location);
+    QFETCH(QString, file);
+
+    const Surroundings surroundings;
+    const QStringList lines =
+        surroundings.run({"at the end=" + location, location}).split(QLatin1Char('\n'));
+    QCOMPARE(lines.size(), 3);
+    QVERIFY2(lines.at(0).endsWith("/Resources/Resources/" + file), qPrintable(lines.at(0)));
+    QCOMPARE(lines.at(1), lines.at(0));
 }
 
 void tst_storageLocation::aFileInTheResourcesIsLoggedOnce()

@@ -190,6 +190,8 @@ private Q_SLOTS:
     void theOverlayDoesNotHoldTheIdentifier();
     void anIdentifierThatCannotBeWrittenIsReturned_data();
     void anIdentifierThatCannotBeWrittenIsReturned();
+    void aPipeInPlaceOfTheIdentifierFileIsLeftAlone_data();
+    void aPipeInPlaceOfTheIdentifierFileIsLeftAlone();
     void withoutALoggerAFailedWriteGoesUnreported();
     void identifiersMadeAtOnceLeaveOneFile();
 
@@ -775,6 +777,40 @@ void tst_SharedUtils::anIdentifierThatCannotBeWrittenIsReturned()
     const QString line = "D Error during writing user ID to file " + home.path()
         + "/Library/Application Support/Vek Labs/VekUserID : " + error;
     QCOMPARE(logger.takeLines(), QStringList({line, line}));
+}
+
+void tst_SharedUtils::aPipeInPlaceOfTheIdentifierFileIsLeftAlone_data()
+{
+    QTest::addColumn<QString>("pipe");
+
+    QTest::newRow("a pipe") << "/Library/Application Support/Vek Labs/VekUserID";
+    QTest::newRow("a link to a pipe") << "/pipe";
+}
+
+/// Nobody is at its other end, so that whoever opens it waits for ever.
+void tst_SharedUtils::aPipeInPlaceOfTheIdentifierFileIsLeftAlone()
+{
+    QFETCH(QString, pipe);
+
+    const Home home;
+    const QByteArray path = QFile::encodeName(home.path() + pipe);
+    QVERIFY(QDir().mkpath(home.folder()));
+    QCOMPARE(mkfifo(path.constData(), 0600), 0);
+    if (home.path() + pipe != home.file())
+        QVERIFY(QFile::link(home.path() + pipe, home.file()));
+    RecordingLogger logger;
+
+    const QString id = getUserID();
+
+    QVERIFY2(isNewIdentifier(id), qPrintable(id));
+    struct stat status = {};
+    QCOMPARE(lstat(path.constData(), &status), 0);
+    QVERIFY(S_ISFIFO(status.st_mode));
+    const QStringList lines = logger.takeLines();
+    QCOMPARE(lines.size(), 1);
+    QVERIFY2(lines.first().startsWith("D Error during writing user ID to file " + home.path()
+                                      + "/Library/Application Support/Vek Labs/VekUserID : "),
+             qPrintable(lines.first()));
 }
 
 void tst_SharedUtils::withoutALoggerAFailedWriteGoesUnreported()

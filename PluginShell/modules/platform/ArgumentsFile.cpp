@@ -12,7 +12,7 @@ namespace Private {
 namespace {
 
 /// More than a system takes for a command line.
-constexpr qint64 largestFile = 8 * 1024 * 1024;
+constexpr qint64 largestFile = 8 << 20;
 
 bool isUtf8(const QByteArray& text)
 {

@@ -45,7 +45,7 @@ QString luaResourcePath(const QString& fileName, const QString& description)
     // The folder in the folder of the same name is meant.
     const QStringList parts = {QCoreApplication::applicationDirPath(), QStringLiteral(".."),
                                QStringLiteral("Resources"), QStringLiteral("Resources"), fileName};
-    const QString path = QDir::toNativeSeparators(QDir::cleanPath(parts.join(QDir::separator())));
+    QString path = QDir::toNativeSeparators(QDir::cleanPath(parts.join(QDir::separator())));
     logLine('D', description, " : ", path);
     return path;
 }
@@ -176,7 +176,7 @@ QString CStorageLocation::cafDataPathOfHalvardenLatestVersion()
                                   QStringLiteral("Vek Halvarden v%1").arg(10),
                                   QStringLiteral("Vek Halvar Den v%1").arg(9)};
     for (const QString& candidate : candidates) {
-        const QString path = modulesOfOtherProduct(candidate);
+        QString path = modulesOfOtherProduct(candidate);
         if (QDir(path).isReadable())
             return path;
     }

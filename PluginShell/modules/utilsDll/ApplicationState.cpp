@@ -116,11 +116,11 @@ QString getUserID()
 {
     QFile file(QDir::homePath()
                + QStringLiteral("/Library/Application Support/Vek Labs/VekUserID"));
-    const QString stored = readUserID(file);
+    QString stored = readUserID(file);
     if (!stored.isEmpty())
         return stored;
 
-    const QString created = plainText(QUuid::createUuid());
+    QString created = plainText(QUuid::createUuid());
     writeUserID(file, created);
     return created;
 }

@@ -126,9 +126,13 @@ bool runAlertProgram(const AlertProgram& program, const Arguments& argv)
 {
     if (!argv[0])
         return false;
-    const pid_t child = vfork();
+    const char* path = argv[0];
+    char* const* words = const_cast<char* const*>(argv.data());
+    char* const* environment = program.environment.data();
+    // Nothing else starts a process without allocating.
+    const pid_t child = vfork(); // NOLINT(clang-analyzer-security.insecureAPI.vfork)
     if (child == 0) {
-        execve(argv[0], const_cast<char* const*>(argv.data()), program.environment.data());
+        execve(path, words, environment);
         _exit(127);
     }
     if (child < 0)

@@ -58,7 +58,7 @@ void showInFileManager(const QList<QUrl>& files)
 {
     if (files.isEmpty())
         return;
-    const QUrl first = files.first();
+    const QUrl& first = files.first();
     const std::optional<QDBusConnection> bus = sessionBus();
     if (!bus) {
         openFolderOf(first);

@@ -96,10 +96,9 @@ std::optional<qint64> findApplication(const QString& name)
         const QString executable = executablePath(process);
         if (executable.isEmpty())
             continue;
-        auto known = matches.constFind(executable);
-        if (known == matches.constEnd())
-            known = matches.insert(executable, displayName(executable) == name);
-        if (*known)
+        if (!matches.contains(executable))
+            matches.insert(executable, displayName(executable) == name);
+        if (matches.value(executable))
             return process;
     }
     return std::nullopt;

@@ -14,7 +14,7 @@ namespace Platform {
 
 namespace {
 
-constexpr qint64 largestFile = 128 * 1024;
+constexpr qint64 largestFile = 128 << 10;
 
 struct PropertyListDeleter
 {

@@ -11,7 +11,7 @@ namespace Platform {
 namespace {
 
 constexpr int deepest = 100;
-constexpr quint64 mostParsed = 4 * 1024 * 1024;
+constexpr quint64 mostParsed = 4U << 20;
 
 /// Walks through the containers of a binary list, which ends with the width of an offset, the width
 /// of a reference, three numbers of eight bytes (objects, top object, place of the offsets), and

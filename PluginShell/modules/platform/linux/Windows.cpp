@@ -6,12 +6,15 @@
 #include <KWindowSystem>
 #include <KX11Extras>
 
+#include <QAbstractNativeEventFilter>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QPointer>
 #include <QScreen>
 #include <QWidget>
 #include <QWindow>
+
+#include <xcb/xproto.h>
 
 namespace VEK_NAMESPACE {
 namespace Platform {
@@ -53,7 +56,7 @@ T* childOf(const QWindow* window)
 /// Keeps a window in front of all others. A window manager doesn't listen before it has taken the
 /// window over, and forgets the state of a window that is hidden, so it is told each time that it
 /// takes the window.
-class RaisedLevel : public QObject
+class RaisedLevel : public QObject, public QAbstractNativeEventFilter
 {
 public:
     explicit RaisedLevel(QWindow* window)
@@ -79,6 +82,27 @@ public:
         return QObject::eventFilter(watched, event);
     }
 
+    /// New flags take the state away, as soon as the window manager gets to it.
+    void restoreAfterFlags()
+    {
+        request(window());
+        qApp->installNativeEventFilter(this);
+    }
+
+    bool nativeEventFilter(const QByteArray& type, void* message, long*) override
+    {
+        if (type != "xcb_generic_event_t" || !window()->handle())
+            return false;
+        const auto* event = static_cast<const xcb_property_notify_event_t*>(message);
+        const WId id = window()->winId();
+        if ((event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY && event->window == id
+            && !KWindowInfo(id, NET::WMState).hasState(NET::KeepAbove)) {
+            qApp->removeNativeEventFilter(this);
+            request(window());
+        }
+        return false;
+    }
+
     static void request(const QWindow* window)
     {
         KWindowSystem::clearState(window->winId(), NET::KeepBelow);
@@ -87,6 +111,8 @@ public:
     }
 
 private:
+    const QWindow* window() const { return static_cast<const QWindow*>(parent()); }
+
     bool m_waits; ///< until the window manager has shown the window
 };
 
@@ -275,8 +301,8 @@ void setCloseButtonEnabled(WindowId id, bool enable)
             new CloseButtonDisabler(window);
         CloseButtonDisabler::takeButton(window);
     }
-    if (childOf<RaisedLevel>(window)) // new flags take it away
-        RaisedLevel::request(window);
+    if (auto* level = childOf<RaisedLevel>(window))
+        level->restoreAfterFlags();
     flushRequests(window);
 }
 

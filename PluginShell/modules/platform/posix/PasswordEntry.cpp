@@ -14,7 +14,7 @@ namespace Platform {
 
 std::optional<QString> homeFolderOfUser(uid_t user)
 {
-    constexpr size_t largestBuffer = 1024 * 1024;
+    constexpr size_t largestBuffer = 1U << 20;
     std::vector<char> buffer(1024);
     passwd entry = {};
     passwd* found = nullptr;
