@@ -13,9 +13,9 @@
 /// lines before, 5 MiB each at most.
 ///
 /// Lines are gathered and written whole, at the latest after half a second; a full disk leaves no
-/// half line, and one that a crash has left goes when the file is opened again. What can't be
-/// written is dropped. A file belongs to one process at a time: another one that names the same
-/// module writes to
+/// half line, and one that a crash has left behind others goes when the file is opened again. What
+/// can't be written is dropped. A file belongs to one process at a time: another one that names the
+/// same module writes to
 /// "<module>-2.log", and so on.
 ///
 /// It lives until the process ends, since a thread of its own writes the lines that wait. All

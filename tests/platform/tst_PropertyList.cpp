@@ -196,6 +196,7 @@ void tst_PropertyList::textOfAnEntry_data()
         QTest::newRow(title) << content << QString::fromUtf8(key) << QString::fromUtf8(expected);
     };
     addRow("XML", xml(entry));
+    addRow("XML behind a byte order mark", "\xEF\xBB\xBF" + xml(entry));
     addRow("XML without any ornament",
            "<plist><dict><key>Key</key><string>value</string></dict></plist>");
     addRow("XML: the last of several entries",

@@ -27,7 +27,10 @@ QByteArray readFile(const QString& path)
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         return {};
     const QByteArray content = file.read(largestFile + 1);
-    return content.size() <= largestFile ? content : QByteArray();
+    if (content.size() > largestFile)
+        return {};
+    const bool hasByteOrderMark = content.startsWith("\xEF\xBB\xBF"); // unknown to the parser
+    return hasByteOrderMark ? content.mid(3) : content;
 }
 
 } // namespace

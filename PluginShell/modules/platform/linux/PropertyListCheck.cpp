@@ -124,8 +124,7 @@ int behind(const QByteArray& content, const char* mark, int from)
 /// Counts elements that are open, whatever they are, and passes over what may hide tags.
 bool isShallowXml(const QByteArray& content)
 {
-    const QByteArray text = content.startsWith("\xEF\xBB\xBF") ? content.mid(3) : content;
-    if (!text.trimmed().startsWith('<')) // some other format
+    if (!content.trimmed().startsWith('<')) // some other format
         return false;
 
     int depth = 0;
