@@ -1,9 +1,6 @@
 # Warnings, sanitizers and definitions of all our own code. Consumers of the package get none of them.
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
-if(CMAKE_CXX_COMPILER_ID MATCHES "Clang") # QSKIP() leaves its last arguments out
-    add_compile_options(-Wno-gnu-zero-variadic-macro-arguments)
-endif()
 if(UTILSDLL_WERROR)
     add_compile_options(-Werror)
 endif()
