@@ -21,9 +21,6 @@
 #include <memory>
 #include <vector>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#include <sanitizer/allocator_interface.h>
-#endif
 #include <sys/stat.h>
 #include <unistd.h>
 #include <xcb/xcb.h>
@@ -41,7 +38,10 @@ static void countAllocation(const volatile void*, size_t)
 
 static void ignoreRelease(const volatile void*) {}
 
-// A sanitizer has an allocator of its own, which tells of what it does.
+// A sanitizer has an allocator of its own, which tells of what it does; not every compiler has its
+// header.
+extern "C" int __sanitizer_install_malloc_and_free_hooks( // NOLINT(*-reserved-identifier,cert-dcl*)
+    void (*onAllocation)(const volatile void*, size_t), void (*onRelease)(const volatile void*));
 [[maybe_unused]] static const int s_hooked =
     __sanitizer_install_malloc_and_free_hooks(countAllocation, ignoreRelease);
 #else
