@@ -1,5 +1,7 @@
 // The launcher against an application that plays the receiving end of the hand-over by the book.
 
+#include "Files.h"
+
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -20,12 +22,6 @@ const QLatin1String interfaceName("com.vek.krnv3.DistributedNotifications");
 
 /// A file that can't be started; who gets as far as trying it says so.
 const char missing[] = "/no/such/application";
-
-QByteArray readFile(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no such file)");
-}
 
 void writeScript(const QString& path, const QByteArray& commands)
 {

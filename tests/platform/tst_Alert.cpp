@@ -1,4 +1,5 @@
 #include "CommonConstants.h"
+#include "Files.h"
 #include "PlatformServices_p.h"
 
 #include <QByteArrayList>
@@ -74,12 +75,6 @@ void* realloc(void* memory, size_t size)
 #endif
 
 namespace {
-
-QByteArray readFile(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no such file)");
-}
 
 /// What ends with a zero byte each.
 QByteArrayList split(const QByteArray& content)

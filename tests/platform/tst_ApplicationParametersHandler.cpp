@@ -1,3 +1,5 @@
+#include "Files.h"
+
 #include <gio/gio.h>
 
 #include "ApplicationParametersHandler.h"
@@ -81,12 +83,6 @@ void send(const QDBusMessage& message)
 void sendAnswer(const QString& path)
 {
     send(notification(answer, path));
-}
-
-QByteArray readFile(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no such file)");
 }
 
 bool exists(const QString& path)

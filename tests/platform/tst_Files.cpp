@@ -1,5 +1,6 @@
 #include "CommonConstants.h"
 #include "CurrentFolder.h"
+#include "Files.h"
 #include "PlatformServices_p.h"
 
 #include <QDBusConnection>
@@ -28,12 +29,6 @@ namespace Platform = VEK_NAMESPACE::Platform;
 namespace {
 
 const QString serviceName = QStringLiteral("org.freedesktop.FileManager1");
-
-QByteArray readFile(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no such file)");
-}
 
 bool exists(const QString& path)
 {

@@ -1,3 +1,4 @@
+#include "Files.h"
 #include "LoggerBootstrap.h"
 #include "MessageCounter.h"
 #include "Settings.h"
@@ -23,12 +24,6 @@ using namespace VEK_NAMESPACE;
 namespace {
 
 const QString identifier = QStringLiteral("0a1b2c3d-4e5f-4678-9abc-def012345678");
-
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-}
 
 bool write(const QString& path, const QByteArray& bytes)
 {
@@ -248,7 +243,7 @@ void tst_LoggerBootstrap::initTestCase()
     qputenv("HOME", QFile::encodeName(m_home.path()));
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_home.path() + "/configuration"));
     setLogLevel("k");
-    QCOMPARE(contents(m_file), QByteArray("[General]\nloggerLevel=k\n"));
+    QCOMPARE(readFile(m_file), QByteArray("[General]\nloggerLevel=k\n"));
     cleanup();
 }
 
@@ -257,7 +252,7 @@ void tst_LoggerBootstrap::cleanup()
     g_logger = nullptr;
     CSettings::removeTemporarySettings();
     CSettings().remove(QString());
-    QCOMPARE(contents(m_file), QByteArray());
+    QCOMPARE(readFile(m_file), QByteArray());
     // No test in this process starts a library, so none asks for the identifier.
     QVERIFY(!QFileInfo::exists(m_home.path() + "/Library"));
 }
@@ -322,12 +317,12 @@ void tst_LoggerBootstrap::settersWriteTexts()
 {
     setLoggerEnabled(false);
     setLogLevel("E");
-    QCOMPARE(contents(m_file), QByteArray("[General]\nloggerEnabled=0\nloggerLevel=E\n"));
+    QCOMPARE(readFile(m_file), QByteArray("[General]\nloggerEnabled=0\nloggerLevel=E\n"));
     QCOMPARE(CSettings().value("loggerEnabled").typeName(), "QString");
     QVERIFY(!isLoggerEnabled());
 
     setLoggerEnabled(true);
-    QCOMPARE(contents(m_file), QByteArray("[General]\nloggerEnabled=1\nloggerLevel=E\n"));
+    QCOMPARE(readFile(m_file), QByteArray("[General]\nloggerEnabled=1\nloggerLevel=E\n"));
     QCOMPARE(CSettings().value("loggerEnabled").typeName(), "QString");
     QVERIFY(isLoggerEnabled());
 }
@@ -339,9 +334,9 @@ void tst_LoggerBootstrap::underAnOverlayOnlySettersFollowIt()
         CSettings::setTemporarySettings(overlay);
         setLoggerEnabled(false);
         setLogLevel("E");
-        QCOMPARE(contents(overlay.tempSettingsPath()),
+        QCOMPARE(readFile(overlay.tempSettingsPath()),
                  QByteArray("[General]\nloggerEnabled=0\nloggerLevel=E\n"));
-        QCOMPARE(contents(m_file), QByteArray());
+        QCOMPARE(readFile(m_file), QByteArray());
         QVERIFY(isLoggerEnabled());
         QCOMPARE(getLogLevel(), QStringLiteral("D"));
     }
@@ -502,7 +497,7 @@ void tst_LoggerBootstrap::theStartMakesTheIdentifier()
     const Host host;
     host.install(FAKE_LOGGER);
     const QStringList lines = host.run({"init=Module"});
-    const QByteArray made = contents(host.identifierFile());
+    const QByteArray made = readFile(host.identifierFile());
     QCOMPARE(made.size(), 36);
     QCOMPARE(lines.filter("UID"), QStringList("D UID: " + QString::fromLatin1(made)));
 }
@@ -596,7 +591,7 @@ void tst_LoggerBootstrap::aLoggerThatLeavesGetsNoMoreLines()
     host.set("FAKE_LOGGER_LEAVES_AFTER", lastLine);
     const QDateTime start = QDateTime::currentDateTimeUtc();
     QStringList lines = host.run({"init=Module"});
-    const QString uid = QString::fromLatin1(contents(host.identifierFile()));
+    const QString uid = QString::fromLatin1(readFile(host.identifierFile()));
     for (QString& line : lines) {
         checkTime(line, start);
         if (line == "D UID: " + uid)
@@ -741,7 +736,7 @@ void tst_LoggerBootstrap::theProductsLoggerIsLoaded()
 
     const QStringList files = QDir(host.logFolder()).entryList(QDir::Files);
     QCOMPARE(files.size(), 1);
-    const QString log = QString::fromUtf8(contents(host.logFolder() + files.first()));
+    const QString log = QString::fromUtf8(readFile(host.logFolder() + files.first()));
     int from = 0;
     for (const QString& text :
          {QStringLiteral("Current time (UTC): "), version.mid(2), "UID: " + identifier,

@@ -1,4 +1,5 @@
 #include "CurrentFolder.h"
+#include "Files.h"
 #include "MessageCounter.h"
 #include "OrdinaryFileRights.h"
 #include "RecordingLogger.h"
@@ -26,12 +27,6 @@ using namespace VEK_NAMESPACE;
 namespace {
 
 const QString identifier = QStringLiteral("0a1b2c3d-4e5f-4678-9abc-def012345678");
-
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-}
 
 bool write(const QString& path, const QByteArray& bytes)
 {
@@ -65,7 +60,7 @@ public:
         CSettings::setTemporarySettings(*this);
     }
 
-    QByteArray onDisk() const { return contents(tempSettingsPath()); }
+    QByteArray onDisk() const { return readFile(tempSettingsPath()); }
 };
 
 /// An environment variable with another value while it lives.
@@ -212,7 +207,7 @@ void tst_SharedUtils::initTestCase()
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_configurationHome.path()));
     QVERIFY(takeOrdinaryFileRights());
     store("k", 1);
-    QCOMPARE(contents(m_file), QByteArray("[General]\nk=1\n"));
+    QCOMPARE(readFile(m_file), QByteArray("[General]\nk=1\n"));
     cleanup();
 }
 
@@ -220,7 +215,7 @@ void tst_SharedUtils::cleanup()
 {
     CSettings::removeTemporarySettings();
     CSettings().remove(QString());
-    QCOMPARE(contents(m_file), QByteArray());
+    QCOMPARE(readFile(m_file), QByteArray());
 }
 
 void tst_SharedUtils::readersAndTheirKeys_data()
@@ -312,7 +307,7 @@ void tst_SharedUtils::readersAndTheirKeys()
     QFETCH(QVariant, expectedWithoutTheKey);
 
     QCOMPARE(read(), expectedWithoutTheKey);
-    QCOMPARE(contents(m_file), QByteArray());
+    QCOMPARE(readFile(m_file), QByteArray());
     store(key, value);
     QCOMPARE(read(), expected);
     store(key, QVariant());
@@ -365,7 +360,7 @@ void tst_SharedUtils::writersAndTheirKeys()
     QFETCH(QByteArray, expectedFile);
 
     change();
-    QCOMPARE(contents(m_file), expectedFile);
+    QCOMPARE(readFile(m_file), expectedFile);
     QCOMPARE(stored(key), expected);
     QCOMPARE(stored(key).typeName(), expected.typeName());
 }
@@ -380,7 +375,7 @@ void tst_SharedUtils::allKeysStandAtTheTopLevel()
     allowCrashReportSending(true);
     setLoggerEnabled(true);
     setLogLevel("E");
-    QCOMPARE(contents(m_file),
+    QCOMPARE(readFile(m_file),
              QByteArray("[General]\n"
                         "VekSendStat=0\n"
                         "VekSentCrashReport=1\n"
@@ -420,7 +415,7 @@ void tst_SharedUtils::writersUnderAnOverlay()
     const Overlay overlay;
     change();
     QCOMPARE(overlay.onDisk(), expectedFile);
-    QCOMPARE(contents(m_file), QByteArray());
+    QCOMPARE(readFile(m_file), QByteArray());
 }
 
 void tst_SharedUtils::nothingIsRemembered()
@@ -513,7 +508,7 @@ void tst_SharedUtils::withoutAModeTheBareKeyGrows()
 {
     incrementCrashCounter();
     incrementCrashCounter();
-    QCOMPARE(contents(m_file), QByteArray("[General]\ncrashCounter_=2\n"));
+    QCOMPARE(readFile(m_file), QByteArray("[General]\ncrashCounter_=2\n"));
 }
 
 void tst_SharedUtils::eachModeHasItsCounter()
@@ -556,7 +551,7 @@ void tst_SharedUtils::aResetRemovesTheKey()
     QCOMPARE(crashCounterForPlugin("PS"), 0);
     QVERIFY(!CSettings().contains("crashCounter_PS"));
     crashCounterReset("PS");
-    QCOMPARE(contents(m_file), QByteArray());
+    QCOMPARE(readFile(m_file), QByteArray());
 }
 
 void tst_SharedUtils::aResetUnderAnOverlayLeavesThePersistentCounter()
@@ -578,9 +573,9 @@ void tst_SharedUtils::theIdentifierIsMadeOnce()
     const Home home;
     const QString id = getUserID();
     QVERIFY2(isNewIdentifier(id), qPrintable(id));
-    QCOMPARE(contents(home.file()), id.toLatin1());
+    QCOMPARE(readFile(home.file()), id.toLatin1());
     QCOMPARE(getUserID(), id);
-    QCOMPARE(contents(home.file()), id.toLatin1());
+    QCOMPARE(readFile(home.file()), id.toLatin1());
 
     const Home another;
     QVERIFY(getUserID() != id);
@@ -612,7 +607,7 @@ void tst_SharedUtils::anIdentifierFileIsRead()
     QVERIFY(write(home.file(), bytes));
     QCOMPARE(getUserID(), identifier);
     QCOMPARE(getUserID(), identifier);
-    QCOMPARE(contents(home.file()), bytes);
+    QCOMPARE(readFile(home.file()), bytes);
 }
 
 void tst_SharedUtils::aDamagedIdentifierFileIsReplaced_data()
@@ -649,7 +644,7 @@ void tst_SharedUtils::aDamagedIdentifierFileIsReplaced()
     RecordingLogger logger;
     const QString id = getUserID();
     QVERIFY2(isNewIdentifier(id), qPrintable(id));
-    QCOMPARE(contents(home.file()), id.toLatin1());
+    QCOMPARE(readFile(home.file()), id.toLatin1());
     QCOMPARE(getUserID(), id);
     QCOMPARE(logger.takeLines(), QStringList());
 }
@@ -671,7 +666,7 @@ void tst_SharedUtils::anUnreadableIdentifierFileIsReplaced()
     const QString id = getUserID();
     QVERIFY2(isNewIdentifier(id), qPrintable(id));
     QVERIFY(QFile::setPermissions(home.file(), QFile::ReadOwner));
-    QCOMPARE(contents(home.file()), id.toLatin1());
+    QCOMPARE(readFile(home.file()), id.toLatin1());
 }
 
 void tst_SharedUtils::aLinkToAnIdentifierFileIsFollowed()
@@ -690,7 +685,7 @@ void tst_SharedUtils::aDanglingLinkLeadsToTheNewFile()
     QVERIFY(QFile::link(home.path() + "/elsewhere", home.file()));
     const QString id = getUserID();
     QVERIFY2(isNewIdentifier(id), qPrintable(id));
-    QCOMPARE(contents(home.path() + "/elsewhere"), id.toLatin1());
+    QCOMPARE(readFile(home.path() + "/elsewhere"), id.toLatin1());
     QCOMPARE(getUserID(), id);
 }
 
@@ -700,7 +695,7 @@ void tst_SharedUtils::theIdentifierFolderIsMade()
     const Variable home("HOME", dir.path() + QString::fromUtf8("/größe/home/"));
     const QString id = getUserID();
     QCOMPARE(
-        contents(dir.path()
+        readFile(dir.path()
                  + QString::fromUtf8("/größe/home/Library/Application Support/Vek Labs/VekUserID")),
         id.toLatin1());
 }
@@ -721,11 +716,11 @@ void tst_SharedUtils::theOverlayDoesNotHoldTheIdentifier()
     const Home home;
     const Overlay overlay;
     const QString id = getUserID();
-    QCOMPARE(contents(home.file()), id.toLatin1());
-    QVERIFY(overlay.onDisk() == "unreadable" || overlay.onDisk().isEmpty());
+    QCOMPARE(readFile(home.file()), id.toLatin1());
+    QVERIFY(overlay.onDisk() == "(no such file)" || overlay.onDisk().isEmpty());
     CSettings::removeTemporarySettings();
     QCOMPARE(getUserID(), id);
-    QCOMPARE(contents(m_file), QByteArray());
+    QCOMPARE(readFile(m_file), QByteArray());
 }
 
 void tst_SharedUtils::anIdentifierThatCannotBeWrittenIsReturned_data()
@@ -843,7 +838,7 @@ void tst_SharedUtils::identifiersMadeAtOnceLeaveOneFile()
         QVERIFY2(isNewIdentifier(own), qPrintable(own));
     const QString left = getUserID();
     QVERIFY(std::find(made.begin(), made.end(), left) != made.end());
-    QCOMPARE(contents(home.file()), left.toLatin1());
+    QCOMPARE(readFile(home.file()), left.toLatin1());
 }
 
 void tst_SharedUtils::theCrashSenderIsFoundAndAwaited()
@@ -860,7 +855,7 @@ void tst_SharedUtils::theCrashSenderIsFoundAndAwaited()
         startCrashSender();
         returned = true;
     });
-    QTRY_COMPARE(contents(sender.path("started")), QByteArray("started with 0 arguments\n"));
+    QTRY_COMPARE(readFile(sender.path("started")), QByteArray("started with 0 arguments\n"));
     const bool returnedEarly = returned;
     QFile answer(sender.path("answer"));
     const bool answered = answer.open(QIODevice::WriteOnly) && answer.write("answered\n") > 0;
@@ -868,7 +863,7 @@ void tst_SharedUtils::theCrashSenderIsFoundAndAwaited()
     thread.join();
     QVERIFY(answered);
     QVERIFY(!returnedEarly);
-    QCOMPARE(contents(sender.path("ended")), QByteArray("answered\n"));
+    QCOMPARE(readFile(sender.path("ended")), QByteArray("answered\n"));
 }
 
 void tst_SharedUtils::anEndOfTheCrashSenderIsIgnored_data()
@@ -889,7 +884,7 @@ void tst_SharedUtils::anEndOfTheCrashSenderIsIgnored()
     RecordingLogger logger;
     const MessageCounter messages;
     startCrashSender();
-    QCOMPARE(contents(sender.path("runs")), QByteArray("once\n"));
+    QCOMPARE(readFile(sender.path("runs")), QByteArray("once\n"));
     QCOMPARE(messages.count(), 0);
     QCOMPARE(logger.takeLines(), QStringList());
 }
