@@ -10,6 +10,7 @@
 #include <QMenu>
 #include <QMouseEvent>
 #include <QScreen>
+#include <QStyle>
 #include <QTimer>
 
 namespace VEK_NAMESPACE {
@@ -132,4 +133,53 @@ void synthesizeMouseEvent(QWidget* widget, const QPoint& globalPos)
     QCoreApplication::sendEvent(widget, &move);
 }
 
+void reapplyWidgetQss(QWidget& widget)
+{
+    QStyle* style = widget.style();
+    if (!style)
+        return;
+    style->unpolish(&widget);
+    style->polish(&widget);
+    widget.update();
+}
+
 } // namespace VEK_NAMESPACE
+
+QPixmap toolCursorPixmap(ToolCursorType type)
+{
+    static const char* const names[] = {"arrow_diagonal_left", "arrow_diagonal_right",
+                                        "arrow_horizontal",    "arrow_square",
+                                        "arrow_vertical",      "rotation_top",
+                                        "rotation_bottom"};
+    const int index = int(type);
+    if (index < 0 || index >= int(sizeof names / sizeof *names)) {
+        ASSERT_X(false, QStringLiteral("Bug!!!"));
+        return {};
+    }
+    const QIcon icon(
+        QStringLiteral(":/icons/cursors/cusors_%1.svg").arg(QLatin1String(names[index])));
+    return icon.pixmap(QSize(23, 24), QIcon::Normal, QIcon::Off);
+}
+
+void paintIcon(QPainter* painter, QIcon const& icon, QRect const& rect, Qt::AspectRatioMode mode,
+               QIcon::Mode iconMode, QIcon::State iconState)
+{
+    if (!painter || icon.isNull())
+        return;
+
+    QRect target = rect;
+    if (mode != Qt::IgnoreAspectRatio) {
+        target.setSize(sizeOfIcon(icon, iconMode, iconState).scaled(rect.size(), mode));
+        target.moveCenter(rect.center());
+    }
+    icon.paint(painter, target, Qt::AlignCenter, iconMode, iconState);
+}
+
+QSize sizeOfIcon(QIcon const& icon, QIcon::Mode mode, QIcon::State state)
+{
+    QSize largest(0, 0);
+    const QList<QSize> sizes = icon.availableSizes(mode, state);
+    for (const QSize& size : sizes)
+        largest = largest.expandedTo(size);
+    return largest;
+}

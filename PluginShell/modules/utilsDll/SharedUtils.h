@@ -4,6 +4,9 @@
 #include "UtilsDllGlobal.h"
 
 #include <QString>
+#include <QStringList>
+
+class QApplication;
 
 namespace VEK_NAMESPACE {
 
@@ -46,6 +49,28 @@ UTILSDLL_EXPORT bool isStatisticSent();
 UTILSDLL_EXPORT void setStatisticSent(bool send);
 UTILSDLL_EXPORT bool crashReportSendingAllowed();
 UTILSDLL_EXPORT void allowCrashReportSending(bool allow);
+
+/// @}
+
+/// \name The product's look
+/// They need an application object. A missing file is passed over in silence. GUI thread.
+/// @{
+
+/// Sets the texts of \a files, joined in their order, as the application's style sheet, and returns
+/// the files that could be read. Without an application or files an assertion fails and nothing
+/// changes.
+UTILSDLL_EXPORT QStringList setAppStyleSheet(QStringList const& files, QApplication* application);
+
+/// Sets the product's style sheet: \a mainSheet, or ":/qss/custom.qss" if that is empty, and after
+/// it the sheets for sliders, the settings panel, message boxes, the platform and the language.
+UTILSDLL_EXPORT void setPredefinedAppStyleSheet(QString const& mainSheet,
+                                                QApplication* application);
+
+/// Makes the product's logo the icon of all windows. False if there is none.
+UTILSDLL_EXPORT bool loadAppLogoIcon();
+
+/// Registers the fonts that the style sheets name.
+UTILSDLL_EXPORT void loadFonts();
 
 /// @}
 

@@ -1,0 +1,122 @@
+#include "GuiUtils.h"
+
+#include "CommonConstants.h"
+
+#include <QLineF>
+#include <QPainter>
+#include <QPixmap>
+#include <QRectF>
+#include <QTransform>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+/// Brings the outer end of a line that has one end in \a bounds to the side that it crosses.
+/// False if both ends lie outside.
+bool clipLine(QPointF* p1, QPointF* p2, const QRectF& bounds)
+{
+    const bool firstInside = bounds.contains(*p1);
+    const bool secondInside = bounds.contains(*p2);
+    if (firstInside == secondInside)
+        return firstInside;
+
+    const QLineF sides[] = {{bounds.topLeft(), bounds.bottomLeft()},
+                            {bounds.topLeft(), bounds.topRight()},
+                            {bounds.topRight(), bounds.bottomRight()},
+                            {bounds.bottomRight(), bounds.bottomLeft()}};
+    const QLineF line(*p1, *p2);
+    QPointF crossing;
+    for (const QLineF& side : sides) {
+        if (line.intersect(side, &crossing) == QLineF::BoundedIntersection) {
+            *(firstInside ? p2 : p1) = crossing;
+            break;
+        }
+    }
+    return true;
+}
+
+/// To the left, or downwards: the pattern would stand on its head.
+bool isUpsideDown(double angle)
+{
+    return angle > 135.0 && angle < 315.0;
+}
+
+bool isOblique(double angle)
+{
+    return std::fmod(angle / 90.0, 1.0) != 0.0;
+}
+
+} // namespace
+
+void drawToolLine(QPointF const& from, QPointF const& to, QPixmap const& pixmap, bool stretch,
+                  QPainter* painter, QRectF const& bounds)
+{
+    if (!painter || pixmap.isNull() || pixmap.width() < 1)
+        return;
+
+    QPointF p1 = from;
+    QPointF p2 = to;
+    const bool isBounded = bounds.width() > 0.0 && bounds.height() > 0.0;
+    if (isBounded && !clipLine(&p1, &p2, bounds))
+        return;
+    if (isUpsideDown(QLineF(p1, p2).angle()))
+        std::swap(p1, p2);
+
+    const double angle = QLineF(p1, p2).angle();
+    if (isOblique(angle)) {
+        // Lines along an axis aren't centred, which is meant.
+        const QPointF upwards(0.0, -pixmap.height() * 0.5);
+        p1 += upwards;
+        p2 += upwards;
+    }
+    const double length = QLineF(p1, p2).length();
+    if (!(length < std::numeric_limits<int>::max() / 2)) // not a number, or no line of a picture
+        return;
+
+    const QTransform savedTransform = painter->transform();
+    const QPainter::RenderHints savedHints = painter->renderHints();
+    QTransform transform;
+    transform.translate(qRound(p1.x()), qRound(p1.y()));
+    transform.rotate(-angle, Qt::ZAxis);
+    painter->setTransform(transform, false);
+    painter->setRenderHint(QPainter::SmoothPixmapTransform);
+
+    const int end = qRound(length);
+    if (stretch) {
+        painter->drawPixmap(QRect(0, 0, end, qRound(double(pixmap.height()))), pixmap,
+                            pixmap.rect());
+    } else {
+        for (int x = 0; x <= end; x += pixmap.width())
+            painter->drawPixmap(x, 0, pixmap);
+    }
+
+    painter->setTransform(savedTransform, false);
+    painter->setRenderHints(savedHints, true); // leaves the hint of above set, which is meant
+}
+
+QList<QPointF> lineAndCircleIntersectionPoints(double x1, double y1, double x2, double y2,
+                                               double cx, double cy, double radius)
+{
+    const double dx = x2 - x1;
+    const double dy = y2 - y1;
+    const double length = std::sqrt(dx * dx + dy * dy);
+    if (std::abs(length) <= 1e-12)
+        return {};
+
+    const double ux = dx / length;
+    const double uy = dy / length;
+    const auto pointAt = [=](double t) { return QPointF(x1 + t * ux, y1 + t * uy); };
+    const double t = uy * (cy - y1) + ux * (cx - x1);
+    const QPointF foot = pointAt(t);
+    const double distance = std::hypot(foot.x() - cx, foot.y() - cy);
+
+    if (radius > distance) {
+        const double half = std::sqrt(radius * radius - distance * distance);
+        return {pointAt(t - half), pointAt(t + half)};
+    }
+    if (qFuzzyCompare(distance, radius))
+        return {foot};
+    return {};
+}
