@@ -2,6 +2,7 @@
 
 #include "RunnableItem.h"
 
+#include <QEvent>
 #include <QEventLoop>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -41,20 +42,21 @@ BusyBar::BusyBar(QWidget* parent)
     : QFrame(parent)
     , m_text(new QLabel)
     , m_progress(new QProgressBar)
+    , m_stopButton(new QPushButton)
 {
     setObjectName(QStringLiteral("busyBar"));
     m_progress->setObjectName(QStringLiteral("progressBar"));
     m_progress->setTextVisible(false);
-    auto* stopButton = new QPushButton(tr("Stop"));
-    stopButton->setObjectName(QStringLiteral("stopButton"));
-    connect(stopButton, &QPushButton::clicked, this, &BusyBar::stop);
+    m_stopButton->setObjectName(QStringLiteral("stopButton"));
+    connect(m_stopButton, &QPushButton::clicked, this, &BusyBar::stop);
 
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(24, 10, 24, 10);
     layout->setSpacing(16);
     layout->addWidget(m_text);
     layout->addWidget(m_progress, 1);
-    layout->addWidget(stopButton);
+    layout->addWidget(m_stopButton);
+    retranslate();
     hide();
 
     m_moment.setSingleShot(true);
@@ -94,6 +96,18 @@ BusyBar::Outcome BusyBar::run(CQRunnableItem& work, const QString& text)
     hide();
     Q_EMIT busyChanged(false);
     return outcome;
+}
+
+void BusyBar::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        retranslate();
+    QFrame::changeEvent(event);
+}
+
+void BusyBar::retranslate()
+{
+    m_stopButton->setText(tr("Stop"));
 }
 
 bool BusyBar::isBusy() const

@@ -6,6 +6,7 @@
 class CQRunnableItem;
 class QLabel;
 class QProgressBar;
+class QPushButton;
 
 /// Runs work off the GUI thread and shows, if it takes longer than a moment, how far it is, with a
 /// button that stops it.
@@ -36,9 +37,15 @@ public Q_SLOTS:
 Q_SIGNALS:
     void busyChanged(bool busy);
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
+    void retranslate();
+
     CQRunnableItem* m_work = nullptr;
     QTimer m_moment;
     QLabel* m_text = nullptr;
     QProgressBar* m_progress = nullptr;
+    QPushButton* m_stopButton = nullptr;
 };

@@ -2,6 +2,7 @@
 
 #include "BusyBar.h"
 #include "CommonConstants.h"
+#include "CorrectionHandles.h"
 #include "CorrectionHistory.h"
 #include "CorrectionJob.h"
 #include "DelayedCall.h"
@@ -22,6 +23,7 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QFrame>
 #include <QHBoxLayout>
@@ -32,6 +34,7 @@
 #include <QScreen>
 #include <QSlider>
 #include <QStyle>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 using namespace VEK_NAMESPACE;
@@ -39,6 +42,7 @@ using namespace VEK_NAMESPACE;
 namespace {
 
 const char gridVisibleKey[] = "gridOverlay.visible";
+const char handlesVisibleKey[] = "handles.visible";
 constexpr int defaultGridSize = 6;
 
 /// Moves by keys and wheel that come closer together are one undo step.
@@ -90,13 +94,20 @@ QString imageSizeText(const QSize& size)
              text(size.height(), int(screen->physicalDotsPerInchY())), QLatin1String(unit.word));
 }
 
-QAction* addNamedAction(QMenu* menu, const char* name, const QString& text,
-                        const QKeySequence& shortcut)
+/// The product's icon of that name in all its states.
+QIcon stateIcon(const char* name)
 {
-    QAction* action = menu->addAction(text);
-    action->setObjectName(QLatin1String(name));
-    action->setShortcut(shortcut);
-    return action;
+    const QString path = QStringLiteral(":/icons/%1_%2.svg").arg(QLatin1String(name));
+    QIcon icon;
+    icon.addFile(path.arg(QStringLiteral("idle")));
+    icon.addFile(path.arg(QStringLiteral("hover")), QSize(), QIcon::Active);
+    icon.addFile(path.arg(QStringLiteral("disabled")), QSize(), QIcon::Disabled);
+    const QString checked = path.arg(QStringLiteral("checked"));
+    if (QFile::exists(checked)) {
+        icon.addFile(checked, QSize(), QIcon::Normal, QIcon::On);
+        icon.addFile(checked, QSize(), QIcon::Active, QIcon::On);
+    }
+    return icon;
 }
 
 /// Not every desktop has a key for every standard action.
@@ -114,12 +125,17 @@ MainWindow::MainWindow(QWidget* parent)
 {
     setObjectName(QStringLiteral("mainWindow"));
     setWindowTitle(g_appTitle);
+    setStyleSheet(hostStyleSheet());
 
     m_view = named<PictureView>("pictureView");
-    m_view->setPlaceholder(tr("No picture"));
+    m_handles = new CorrectionHandles(m_view);
+    m_handles->setObjectName(QStringLiteral("handles"));
+    m_handles->hide();
     m_busyBar = new BusyBar;
     m_panel = new ToolPanel;
 
+    createActions();
+    createMenus();
     auto* left = new QVBoxLayout;
     left->setSpacing(0);
     left->addWidget(createHeader());
@@ -139,20 +155,21 @@ MainWindow::MainWindow(QWidget* parent)
     layout->addWidget(m_panel);
     setCentralWidget(central);
 
-    createActions();
     connectControls();
     restoreSettings();
-    showImageSize();
+    retranslate();
     updateState();
 }
 
 QFrame* MainWindow::createHeader()
 {
-    m_openButton = named<QPushButton>("openButton", tr("Open…"));
+    m_openButton = named<QPushButton>("openButton");
     m_fileNameLabel = named<ElidedLabel>("fileNameLabel");
     m_imageSizeLabel = named<QLabel>("imageSizeLabel");
-    m_preferencesButton = named<QPushButton>("preferencesButton", tr("Preferences"));
-    m_aboutButton = named<QPushButton>("aboutButton", tr("About"));
+    m_preferencesButton = named<QPushButton>("preferencesButton");
+    m_aboutButton = named<QPushButton>("aboutButton");
+    for (QPushButton* button : {m_preferencesButton, m_aboutButton})
+        button->setFlat(true);
 
     auto* description = new QVBoxLayout;
     description->setSpacing(1);
@@ -169,51 +186,111 @@ QFrame* MainWindow::createHeader()
     layout->addWidget(m_openButton);
     layout->addSpacing(12);
     layout->addLayout(description, 1);
+    layout->addWidget(createToolButton("undoButton", m_undoAction));
+    layout->addWidget(createToolButton("gridButton", m_gridAction));
+    layout->addWidget(createToolButton("handlesButton", m_handlesAction));
+    layout->addSpacing(12);
     layout->addWidget(m_preferencesButton);
     layout->addWidget(m_aboutButton);
     return header;
 }
 
+QToolButton* MainWindow::createToolButton(const char* name, QAction* action)
+{
+    auto* button = named<QToolButton>(name);
+    button->setDefaultAction(action);
+    button->setIconSize(QSize(24, 24));
+    button->setFocusPolicy(Qt::TabFocus);
+    return button;
+}
+
+QAction* MainWindow::createAction(const char* name, const QKeySequence& shortcut, const char* icon)
+{
+    auto* action = new QAction(this);
+    action->setObjectName(QLatin1String(name));
+    action->setShortcut(shortcut);
+    if (icon) {
+        action->setIcon(stateIcon(icon));
+        action->setIconVisibleInMenu(false);
+    }
+    return action;
+}
+
 void MainWindow::createActions()
 {
-    QMenu* file = menuBar()->addMenu(tr("&File"));
-    m_openAction = addNamedAction(file, "actionOpen", tr("&Open…"), QKeySequence::Open);
-    m_saveAction = addNamedAction(file, "actionSave", tr("&Save…"), QKeySequence::Save);
-    m_exportAction =
-        addNamedAction(file, "actionExport", tr("&Export…"), QKeySequence(Qt::CTRL + Qt::Key_E));
-    file->addSeparator();
-    QAction* quit =
-        addNamedAction(file, "actionQuit", tr("&Quit"),
-                       standardKey(QKeySequence::Quit, QKeySequence(Qt::CTRL + Qt::Key_Q)));
-    quit->setMenuRole(QAction::QuitRole);
-
-    QMenu* edit = menuBar()->addMenu(tr("&Edit"));
-    m_undoAction = addNamedAction(edit, "actionUndo", tr("&Undo"), QKeySequence::Undo);
-    m_resetAction =
-        addNamedAction(edit, "actionReset", tr("&Reset"), QKeySequence(Qt::CTRL + Qt::Key_R));
-    edit->addSeparator();
-    QAction* preferences = addNamedAction(
-        edit, "actionPreferences", tr("&Preferences…"),
+    m_openAction = createAction("actionOpen", QKeySequence::Open);
+    m_saveAction = createAction("actionSave", QKeySequence::Save);
+    m_exportAction = createAction("actionExport", QKeySequence(Qt::CTRL + Qt::Key_E));
+    m_quitAction = createAction(
+        "actionQuit", standardKey(QKeySequence::Quit, QKeySequence(Qt::CTRL + Qt::Key_Q)));
+    m_quitAction->setMenuRole(QAction::QuitRole);
+    m_undoAction = createAction("actionUndo", QKeySequence::Undo, "toolbar/undo");
+    m_resetAction = createAction("actionReset", QKeySequence(Qt::CTRL + Qt::Key_R));
+    m_preferencesAction = createAction(
+        "actionPreferences",
         standardKey(QKeySequence::Preferences, QKeySequence(Qt::CTRL + Qt::Key_Comma)));
-    preferences->setMenuRole(QAction::PreferencesRole);
-
-    QMenu* view = menuBar()->addMenu(tr("&View"));
+    m_preferencesAction->setMenuRole(QAction::PreferencesRole);
     m_gridAction =
-        addNamedAction(view, "actionGrid", tr("&Grid"), QKeySequence(Qt::CTRL + Qt::Key_G));
+        createAction("actionGrid", QKeySequence(Qt::CTRL + Qt::Key_G), "leftToolBar/grid");
     m_gridAction->setCheckable(true);
-
-    QMenu* help = menuBar()->addMenu(tr("&Help"));
-    QAction* aboutAction = addNamedAction(help, "actionAbout", tr("&About"), QKeySequence());
-    aboutAction->setMenuRole(QAction::AboutRole);
+    m_handlesAction =
+        createAction("actionHandles", QKeySequence(Qt::CTRL + Qt::Key_L), "horizon/level_line");
+    m_handlesAction->setCheckable(true);
+    m_aboutAction = createAction("actionAbout", QKeySequence());
+    m_aboutAction->setMenuRole(QAction::AboutRole);
 
     connect(m_openAction, &QAction::triggered, this, &MainWindow::open);
     connect(m_saveAction, &QAction::triggered, this, &MainWindow::save);
     connect(m_exportAction, &QAction::triggered, this, &MainWindow::exportPicture);
-    connect(quit, &QAction::triggered, this, &QWidget::close);
+    connect(m_quitAction, &QAction::triggered, this, &QWidget::close);
     connect(m_undoAction, &QAction::triggered, this, &MainWindow::undo);
     connect(m_resetAction, &QAction::triggered, this, &MainWindow::reset);
-    connect(preferences, &QAction::triggered, this, &MainWindow::editPreferences);
-    connect(aboutAction, &QAction::triggered, this, &MainWindow::about);
+    connect(m_preferencesAction, &QAction::triggered, this, &MainWindow::editPreferences);
+    connect(m_aboutAction, &QAction::triggered, this, &MainWindow::about);
+}
+
+void MainWindow::createMenus()
+{
+    m_fileMenu = menuBar()->addMenu(QString());
+    m_fileMenu->addActions({m_openAction, m_saveAction, m_exportAction});
+    m_fileMenu->addSeparator();
+    m_fileMenu->addAction(m_quitAction);
+
+    m_editMenu = menuBar()->addMenu(QString());
+    m_editMenu->addActions({m_undoAction, m_resetAction});
+    m_editMenu->addSeparator();
+    m_editMenu->addAction(m_preferencesAction);
+
+    m_viewMenu = menuBar()->addMenu(QString());
+    m_viewMenu->addActions({m_gridAction, m_handlesAction});
+
+    m_helpMenu = menuBar()->addMenu(QString());
+    m_helpMenu->addAction(m_aboutAction);
+}
+
+void MainWindow::retranslate()
+{
+    m_fileMenu->setTitle(tr("&File"));
+    m_openAction->setText(tr("&Open…"));
+    m_saveAction->setText(tr("&Save…"));
+    m_exportAction->setText(tr("&Export…"));
+    m_quitAction->setText(tr("&Quit"));
+    m_editMenu->setTitle(tr("&Edit"));
+    m_undoAction->setText(tr("&Undo"));
+    m_resetAction->setText(tr("&Reset"));
+    m_preferencesAction->setText(tr("&Preferences…"));
+    m_viewMenu->setTitle(tr("&View"));
+    m_gridAction->setText(tr("&Grid"));
+    m_handlesAction->setText(tr("&Handles"));
+    m_helpMenu->setTitle(tr("&Help"));
+    m_aboutAction->setText(tr("&About"));
+
+    m_openButton->setText(tr("Open…"));
+    m_preferencesButton->setText(tr("Preferences"));
+    m_aboutButton->setText(tr("About"));
+    m_view->setPlaceholder(m_unreadableName.isEmpty() ? tr("No picture")
+                                                      : tr("Cannot open %1").arg(m_unreadableName));
+    showImageSize();
 }
 
 void MainWindow::connectControls()
@@ -230,6 +307,11 @@ void MainWindow::connectControls()
     connect(m_panel->gridCheckBox(), &QCheckBox::toggled, m_gridAction, &QAction::setChecked);
     connect(m_gridAction, &QAction::toggled, m_panel->gridCheckBox(), &QCheckBox::setChecked);
     connect(m_gridAction, &QAction::toggled, this, &MainWindow::showGrid);
+
+    connect(m_handlesAction, &QAction::toggled, this, &MainWindow::showHandles);
+    connect(m_view, &PictureView::frameChanged, this, &MainWindow::placeHandles);
+    connect(m_handles, &CorrectionHandles::correctionsDragged, m_panel, &ToolPanel::setCorrections);
+    connect(m_handles, &CorrectionHandles::released, this, &MainWindow::recordHandMadeSteps);
 
     connect(m_panel, &ToolPanel::titleChanged, this, &MainWindow::updateState);
     connect(m_panel, &ToolPanel::correctionsChanged, this, &MainWindow::applyCorrections);
@@ -258,13 +340,15 @@ void MainWindow::restoreSettings()
     const CSettings settings;
     m_view->setGridSize(settings.value(g_gridOverlaySize, defaultGridSize).toInt());
     m_gridAction->setChecked(settings.value(QLatin1String(gridVisibleKey), false).toBool());
+    m_handlesAction->setChecked(settings.value(QLatin1String(handlesVisibleKey), false).toBool());
 }
 
 bool MainWindow::openPicture(const QString& path)
 {
     const QImage picture = readPicture(path);
     if (picture.isNull()) {
-        m_view->setPlaceholder(tr("Cannot open %1").arg(QFileInfo(path).fileName()));
+        m_unreadableName = QFileInfo(path).fileName();
+        retranslate();
         return false;
     }
     showPicture(picture, path);
@@ -443,6 +527,13 @@ void MainWindow::about()
         simpleBoxHeight);
 }
 
+void MainWindow::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        retranslate();
+    QMainWindow::changeEvent(event);
+}
+
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     if (m_busyBar->isBusy()) {
@@ -480,6 +571,7 @@ bool MainWindow::mayDiscardPicture()
 void MainWindow::applyCorrections()
 {
     m_view->setCorrections(m_panel->corrections());
+    m_handles->setCorrections(m_panel->corrections());
     updateState();
 }
 
@@ -487,6 +579,19 @@ void MainWindow::showGrid(bool visible)
 {
     m_view->setGridVisible(visible);
     CSettings().setValue(QLatin1String(gridVisibleKey), visible);
+}
+
+void MainWindow::showHandles(bool visible)
+{
+    placeHandles();
+    CSettings().setValue(QLatin1String(handlesVisibleKey), visible);
+}
+
+void MainWindow::placeHandles()
+{
+    m_handles->setGeometry(m_view->rect());
+    m_handles->setFrame(m_view->frame());
+    m_handles->setVisible(m_handlesAction->isChecked() && !m_picture.isNull());
 }
 
 void MainWindow::updateState()

@@ -6,12 +6,15 @@
 
 class BusyBar;
 class CQRunnableItem;
+class CorrectionHandles;
 class CorrectionHistory;
 class PictureView;
 class QAction;
 class QFrame;
 class QLabel;
+class QMenu;
 class QPushButton;
+class QToolButton;
 class ToolPanel;
 
 /// The sample host's window: a picture, and the controls that mend and save it. Scripts find every
@@ -43,6 +46,7 @@ public Q_SLOTS:
     void about();
 
 protected:
+    void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private Q_SLOTS:
@@ -51,12 +55,19 @@ private Q_SLOTS:
     void recordUndoStep(const QString& slider);
     void recordHandMadeSteps();
     void showGrid(bool visible);
+    void showHandles(bool visible);
+    void placeHandles();
     void updateState();
     void showImageSize();
 
 private:
     QFrame* createHeader();
+    QToolButton* createToolButton(const char* name, QAction* action);
     void createActions();
+    QAction* createAction(const char* name, const QKeySequence& shortcut,
+                          const char* icon = nullptr);
+    void createMenus();
+    void retranslate();
     void connectControls();
     void restoreSettings();
     void openAfterQuestions(const QString& path);
@@ -71,18 +82,28 @@ private:
     CorrectionHistory* m_history = nullptr;
     QLabel* m_fileNameLabel = nullptr;
     QLabel* m_imageSizeLabel = nullptr;
+    CorrectionHandles* m_handles = nullptr;
     QPushButton* m_openButton = nullptr;
     QPushButton* m_preferencesButton = nullptr;
     QPushButton* m_aboutButton = nullptr;
+    QMenu* m_fileMenu = nullptr;
+    QMenu* m_editMenu = nullptr;
+    QMenu* m_viewMenu = nullptr;
+    QMenu* m_helpMenu = nullptr;
     QAction* m_openAction = nullptr;
     QAction* m_saveAction = nullptr;
     QAction* m_exportAction = nullptr;
+    QAction* m_quitAction = nullptr;
     QAction* m_undoAction = nullptr;
     QAction* m_resetAction = nullptr;
+    QAction* m_preferencesAction = nullptr;
     QAction* m_gridAction = nullptr;
+    QAction* m_handlesAction = nullptr;
+    QAction* m_aboutAction = nullptr;
 
     QImage m_picture;
     QString m_path;
+    QString m_unreadableName; ///< what a notice in the picture's place names
     QString m_requestedPath; ///< waits for its opening
     QString m_savedTitle;
     Corrections m_savedCorrections;

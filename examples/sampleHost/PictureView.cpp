@@ -2,6 +2,7 @@
 
 #include "CorrectionJob.h"
 #include "DelayedCall.h"
+#include "GuiUtils.h"
 
 #include <QPainter>
 #include <QResizeEvent>
@@ -25,7 +26,9 @@ QImage scaledTo(const QImage& picture, const QSize& size)
 
 PictureView::PictureView(QWidget* parent)
     : QWidget(parent)
+    , m_gridPattern(64, 1)
 {
+    m_gridPattern.fill(QColor(255, 255, 255, 110));
     setMinimumSize(320, 240);
     m_pool.setMaxThreadCount(1);
 }
@@ -40,6 +43,7 @@ void PictureView::setPicture(const QImage& picture)
     m_picture = picture;
     copyForScreen();
     Q_EMIT pictureChanged();
+    Q_EMIT frameChanged();
 }
 
 int PictureView::pictureWidth() const
@@ -113,12 +117,13 @@ void PictureView::paintEvent(QPaintEvent* event)
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawPixmap(target, m_shown, m_shown.rect());
     if (m_gridVisible)
-        paintGrid(painter, target);
+        paintGrid(&painter);
 }
 
 void PictureView::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
+    Q_EMIT frameChanged();
     // What is shown is stretched while the window is being resized, and made anew once that has
     // ended.
     CDelayedCall::invoke(100, this, "copyForScreen", true);
@@ -188,13 +193,15 @@ QRectF PictureView::frame() const
     return target.toAlignedRect();
 }
 
-void PictureView::paintGrid(QPainter& painter, const QRectF& target) const
+void PictureView::paintGrid(QPainter* painter) const
 {
-    painter.setPen(QPen(QColor(255, 255, 255, 110), 1.0));
+    const QRectF target = frame();
     for (int i = 1; i < m_gridSize; ++i) {
-        const double x = qRound(target.left() + target.width() * i / m_gridSize) + 0.5;
-        const double y = qRound(target.top() + target.height() * i / m_gridSize) + 0.5;
-        painter.drawLine(QPointF(x, target.top()), QPointF(x, target.bottom()));
-        painter.drawLine(QPointF(target.left(), y), QPointF(target.right(), y));
+        const double x = qRound(target.left() + target.width() * i / m_gridSize);
+        const double y = qRound(target.top() + target.height() * i / m_gridSize);
+        drawToolLine({x, target.bottom()}, {x, target.top()}, m_gridPattern, false, painter,
+                     target);
+        drawToolLine({target.left(), y}, {target.right(), y}, m_gridPattern, false, painter,
+                     target);
     }
 }

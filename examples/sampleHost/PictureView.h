@@ -46,10 +46,14 @@ public:
     /// How many fields the grid has in each direction.
     void setGridSize(int fields);
 
+    /// Where the picture is shown.
+    QRectF frame() const;
+
     QSize sizeHint() const override;
 
 Q_SIGNALS:
     void pictureChanged();
+    void frameChanged();
     void gridVisibleChanged(bool visible);
     void correctionsChanged();
 
@@ -62,17 +66,17 @@ private Q_SLOTS:
     void refine();
 
 private:
-    QRectF frame() const;
     void correct();
     void stopRefining();
     void showCorrected(const QImage& picture);
-    void paintGrid(QPainter& painter, const QRectF& target) const;
+    void paintGrid(QPainter* painter) const;
 
     QImage m_picture;
     Corrections m_corrections;
     QImage m_fineCopy; ///< the picture at the size that is shown
     QImage m_roughCopy; ///< small enough to be corrected while a slider moves
     QPixmap m_shown;
+    QPixmap m_gridPattern;
     QString m_placeholder;
     bool m_gridVisible = false;
     int m_gridSize = 6;

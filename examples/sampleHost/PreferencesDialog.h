@@ -4,8 +4,11 @@
 
 class QCheckBox;
 class QComboBox;
+class QLabel;
+class QPushButton;
 
-/// Asks how the size of a picture is shown and stores the answer in the settings.
+/// Asks for the language, which changes at once and changes back when the dialog is cancelled, and
+/// for how the size of a picture is shown, which is stored when the dialog is accepted.
 class PreferencesDialog : public VEK_NAMESPACE::CBaseDialog
 {
     Q_OBJECT
@@ -15,8 +18,21 @@ public:
 
 public Q_SLOTS:
     void accept() override;
+    void reject() override;
+
+protected:
+    void changeEvent(QEvent* event) override;
 
 private:
+    void retranslate();
+
+    int m_formerLanguage = -1; ///< row of the language when the dialog was opened
+    QComboBox* m_languageCombo = nullptr;
     QComboBox* m_unitsCombo = nullptr;
     QCheckBox* m_showImageSizeCheckBox = nullptr;
+    QLabel* m_titleLabel = nullptr;
+    QLabel* m_languageLabel = nullptr;
+    QLabel* m_unitsLabel = nullptr;
+    QPushButton* m_cancelButton = nullptr;
+    QPushButton* m_okButton = nullptr;
 };

@@ -1,8 +1,10 @@
 #include "ToolPanel.h"
 
+#include "IconViewer.h"
 #include "Named.h"
 
 #include <QCheckBox>
+#include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -15,6 +17,7 @@ namespace {
 
 constexpr int greatestHorizon = 150;
 constexpr int greatestAmount = 100;
+constexpr QSize iconSize(16, 16);
 
 QString signedNumber(double value, int decimals)
 {
@@ -31,20 +34,23 @@ ToolPanel::ToolPanel(QWidget* parent)
     setFixedWidth(288);
 
     m_titleEdit = named<QLineEdit>("titleEdit");
-    m_titleEdit->setPlaceholderText(tr("Untitled"));
     connect(m_titleEdit, &QLineEdit::textChanged, this, &ToolPanel::titleChanged);
 
-    m_resetButton = named<QPushButton>("resetButton", tr("Reset"));
-    m_autoCropCheckBox = named<QCheckBox>("autoCropCheckBox", tr("Crop empty corners"));
+    m_resetButton = named<QPushButton>("resetButton");
+    m_resetButton->setFlat(true);
+    m_autoCropCheckBox = named<QCheckBox>("autoCropCheckBox");
     m_autoCropCheckBox->setChecked(true);
     connect(m_autoCropCheckBox, &QCheckBox::toggled, this, &ToolPanel::correctionsChanged);
-    m_gridCheckBox = named<QCheckBox>("gridCheckBox", tr("Show grid"));
-    m_saveButton = named<QPushButton>("saveButton", tr("Save…"));
-    m_exportButton = named<QPushButton>("exportButton", tr("Export…"));
-    m_closeButton = named<QPushButton>("closeButton", tr("Close"));
+    m_gridCheckBox = named<QCheckBox>("gridCheckBox");
+    m_saveButton = named<QPushButton>("saveButton");
+    m_exportButton = named<QPushButton>("exportButton");
+    m_closeButton = named<QPushButton>("closeButton");
+
+    m_titleLabel = named<QLabel>("sectionLabel");
+    m_correctionsLabel = named<QLabel>("sectionLabel");
 
     auto* correctionsHead = new QHBoxLayout;
-    correctionsHead->addWidget(named<QLabel>("sectionLabel", tr("Corrections")), 1);
+    correctionsHead->addWidget(m_correctionsLabel, 1);
     correctionsHead->addWidget(m_resetButton);
 
     auto* buttons = new QGridLayout;
@@ -56,39 +62,41 @@ ToolPanel::ToolPanel(QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(24, 24, 24, 24);
     layout->setSpacing(8);
-    layout->addWidget(named<QLabel>("sectionLabel", tr("Title")));
+    layout->addWidget(m_titleLabel);
     layout->addWidget(m_titleEdit);
     layout->addSpacing(20);
     layout->addLayout(correctionsHead);
-    layout->addWidget(createSlider("horizonSlider", tr("Horizon"), greatestHorizon, 0.1, 1,
-                                   QString(QChar(0x00B0))));
-    layout->addWidget(
-        createSlider("distortionSlider", tr("Distortion"), greatestAmount, 1.0, 0, QString()));
-    layout->addWidget(
-        createSlider("keystoneSlider", tr("Keystone"), greatestAmount, 1.0, 0, QString()));
+    layout->addWidget(createSlider("horizonSlider", ":/icons/horizon/horizon_idle.svg",
+                                   greatestHorizon, {0.1, 1, QString(QChar(0x00B0))}));
+    layout->addWidget(createSlider("distortionSlider", ":/icons/distortion/distortion_idle.svg",
+                                   greatestAmount, {1.0, 0, QString()}));
+    layout->addWidget(createSlider("keystoneSlider", ":/icons/keystoning/keystoning_idle.svg",
+                                   greatestAmount, {1.0, 0, QString()}));
     layout->addSpacing(8);
     layout->addWidget(m_autoCropCheckBox);
     layout->addWidget(m_gridCheckBox);
     layout->addStretch(1);
     layout->addLayout(buttons);
+    retranslate();
 }
 
-QWidget* ToolPanel::createSlider(const char* name, const QString& title, int greatest, double unit,
-                                 int decimals, const QString& suffix)
+QWidget* ToolPanel::createSlider(const char* name, const char* icon, int greatest,
+                                 const Amount& amount)
 {
+    const size_t index = m_sliders.size();
     auto* slider = named<QSlider>(name, Qt::Horizontal);
     slider->setRange(-greatest, greatest);
     slider->setPageStep(10);
-    slider->setAccessibleName(title);
-    auto* amount = named<QLabel>("amountLabel");
-    amount->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    const auto showAmount = [=] {
-        amount->setText(signedNumber(slider->value() * unit, decimals) + suffix);
-    };
-    showAmount();
+    auto* amountLabel = named<QLabel>("amountLabel");
+    amountLabel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    auto* viewer = named<CIconViewer>("sliderIcon");
+    viewer->setMandatoryImageSize(iconSize);
+    viewer->setFixedSize(iconSize);
+    viewer->setIcon(QIcon(QLatin1String(icon)));
+    auto* label = named<QLabel>("sliderLabel");
 
-    connect(slider, &QSlider::valueChanged, this, [this, showAmount] {
-        showAmount();
+    connect(slider, &QSlider::valueChanged, this, [this, index] {
+        showAmount(index);
         Q_EMIT correctionsChanged();
     });
     connect(slider, &QSlider::sliderReleased, this, [this] { Q_EMIT sliderMoved(true); });
@@ -98,15 +106,55 @@ QWidget* ToolPanel::createSlider(const char* name, const QString& title, int gre
             Q_EMIT sliderMoved(false);
     });
     m_sliders.push_back(slider);
+    m_sliderLabels.push_back(label);
+    m_amountLabels.push_back(amountLabel);
+    m_amounts.push_back(amount);
 
     auto* group = new QWidget;
     auto* layout = new QGridLayout(group);
     layout->setContentsMargins(0, 4, 0, 4);
-    layout->setSpacing(2);
-    layout->addWidget(named<QLabel>("sliderLabel", title), 0, 0);
-    layout->addWidget(amount, 0, 1);
-    layout->addWidget(slider, 1, 0, 1, 2);
+    layout->setHorizontalSpacing(8);
+    layout->setVerticalSpacing(2);
+    layout->setColumnStretch(1, 1);
+    layout->addWidget(viewer, 0, 0);
+    layout->addWidget(label, 0, 1);
+    layout->addWidget(amountLabel, 0, 2);
+    layout->addWidget(slider, 1, 0, 1, 3);
     return group;
+}
+
+void ToolPanel::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        retranslate();
+    QFrame::changeEvent(event);
+}
+
+void ToolPanel::retranslate()
+{
+    m_titleLabel->setText(tr("Title"));
+    m_titleEdit->setPlaceholderText(tr("Untitled"));
+    m_titleEdit->setAccessibleName(tr("Title"));
+    m_correctionsLabel->setText(tr("Corrections"));
+    m_resetButton->setText(tr("Reset"));
+    const QString names[] = {tr("Horizon"), tr("Distortion"), tr("Keystone")};
+    for (size_t i = 0; i < m_sliders.size(); ++i) {
+        m_sliderLabels[i]->setText(names[i]);
+        m_sliders[i]->setAccessibleName(names[i]);
+        showAmount(i); // languages write numbers differently
+    }
+    m_autoCropCheckBox->setText(tr("Crop empty corners"));
+    m_gridCheckBox->setText(tr("Show grid"));
+    m_saveButton->setText(tr("Save…"));
+    m_exportButton->setText(tr("Export…"));
+    m_closeButton->setText(tr("Close"));
+}
+
+void ToolPanel::showAmount(size_t index)
+{
+    const Amount& amount = m_amounts[index];
+    m_amountLabels[index]->setText(
+        signedNumber(m_sliders[index]->value() * amount.unit, amount.decimals) + amount.suffix);
 }
 
 QString ToolPanel::title() const

@@ -41,12 +41,29 @@ Q_SIGNALS:
     /// A slider was moved by hand, and has come to rest or not.
     void sliderMoved(bool atRest);
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
-    QWidget* createSlider(const char* name, const QString& title, int greatest, double unit,
-                          int decimals, const QString& suffix);
+    /// How a slider's value reads.
+    struct Amount
+    {
+        double unit; ///< of a step of the slider
+        int decimals;
+        QString suffix;
+    };
+
+    QWidget* createSlider(const char* name, const char* icon, int greatest, const Amount& amount);
+    void showAmount(size_t index);
+    void retranslate();
 
     QLineEdit* m_titleEdit = nullptr;
     std::vector<QSlider*> m_sliders; ///< horizon, distortion, keystone
+    std::vector<QLabel*> m_sliderLabels;
+    std::vector<QLabel*> m_amountLabels;
+    std::vector<Amount> m_amounts;
+    QLabel* m_titleLabel = nullptr;
+    QLabel* m_correctionsLabel = nullptr;
     QCheckBox* m_autoCropCheckBox = nullptr;
     QCheckBox* m_gridCheckBox = nullptr;
     QPushButton* m_saveButton = nullptr;

@@ -66,7 +66,7 @@ int main(int argc, char** argv)
     if (record && record->hasLastRunCrashed())
         logLine(QStringLiteral("The last run did not come to its end"));
 
-    applyHostStyle(application);
+    // Its settings, the language among them, are none of the user's.
     std::optional<AcceptanceRun> run;
     if (line->run) {
         run.emplace(*line->run);
@@ -76,6 +76,7 @@ int main(int argc, char** argv)
         }
     }
 
+    applyHostStyle(application);
     const TopLevelWindowDeactivator popupsOfThisApplicationOnly;
     MainWindow window;
     window.show();

@@ -147,10 +147,9 @@ void reapplyWidgetQss(QWidget& widget)
 
 QPixmap toolCursorPixmap(ToolCursorType type)
 {
-    static const char* const names[] = {"arrow_diagonal_left", "arrow_diagonal_right",
-                                        "arrow_horizontal",    "arrow_square",
-                                        "arrow_vertical",      "rotation_top",
-                                        "rotation_bottom"};
+    static const char* const names[] = {
+        "arrow_diagonal_left", "arrow_diagonal_right", "arrow_horizontal", "arrow_square",
+        "arrow_vertical",      "rotation_top",         "rotation_bottom"};
     const int index = int(type);
     if (index < 0 || index >= int(sizeof names / sizeof *names)) {
         ASSERT_X(false, QStringLiteral("Bug!!!"));

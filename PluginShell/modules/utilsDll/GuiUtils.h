@@ -47,7 +47,8 @@ UTILSDLL_EXPORT void reapplyWidgetQss(QWidget& widget);
 } // namespace VEK_NAMESPACE
 
 /// The cursors that tools show on their handles.
-enum ToolCursorType {
+enum ToolCursorType
+{
     ToolCursorArrowDiagonalLeft,
     ToolCursorArrowDiagonalRight,
     ToolCursorArrowHorizontal,

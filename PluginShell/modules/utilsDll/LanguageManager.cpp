@@ -21,7 +21,14 @@ constexpr unsigned int english = 1033;
 constexpr unsigned int french = 1036;
 constexpr unsigned int japanese = 1041;
 
-enum Column { Name, Number, File, Abbreviation, ColumnCount };
+enum Column
+{
+    Name,
+    Number,
+    File,
+    Abbreviation,
+    ColumnCount
+};
 
 /// What stands between "vek_" and the extension; a name without that prefix is cut as if it began
 /// a letter before the text.

@@ -16,8 +16,8 @@ namespace VEK_NAMESPACE {
 /// them.
 ///
 /// A translation file becomes a language by translating "language name" and "language number" in
-/// the context "CLanguageManager". The choice is kept in the settings by its number, a Windows
-/// language identifier; without one it is English, 1033. A host calls loadLanguageForApp() once it
+/// the context "CLanguageManager". The choice is kept in the settings by its number, a locale
+/// identifier (LCID); without one it is English, 1033. A host calls loadLanguageForApp() once it
 /// has its application, shows model() and calls changeLanguage() with a row of it. Widgets learn of
 /// a change through QEvent::LanguageChange, everything else through languageChanged(). QLocale()
 /// follows the language. Main thread. No failure is reported.

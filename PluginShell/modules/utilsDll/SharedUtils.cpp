@@ -33,8 +33,7 @@ QStringList setAppStyleSheet(QStringList const& files, QApplication* application
 
 void setPredefinedAppStyleSheet(QString const& mainSheet, QApplication* application)
 {
-    // The sheet of macOS is the one of every platform; the last is there for languages that need
-    // one.
+    // One platform's sheet is that of all. The last one is there for languages that need it.
     setAppStyleSheet({mainSheet.isEmpty() ? QStringLiteral(":/qss/custom.qss") : mainSheet,
                       QStringLiteral(":/qss/slider.qss"), QStringLiteral(":/qss/settings.qss"),
                       QStringLiteral(":/qss/message_box.qss"), QStringLiteral(":/qss/mac.qss"),
@@ -56,9 +55,9 @@ bool loadAppLogoIcon()
 
 void loadFonts()
 {
-    for (const char* name : {"MavenProLight-300.otf", "MavenPro-Medium.ttf", "OpenSans-Light.ttf",
-                             "Roboto-Bold.ttf", "Roboto-Light.ttf", "Roboto-Regular.ttf",
-                             "Roboto-Medium.ttf"})
+    for (const char* name :
+         {"MavenProLight-300.otf", "MavenPro-Medium.ttf", "OpenSans-Light.ttf", "Roboto-Bold.ttf",
+          "Roboto-Light.ttf", "Roboto-Regular.ttf", "Roboto-Medium.ttf"})
         QFontDatabase::addApplicationFont(QStringLiteral(":/fonts/") + QLatin1String(name));
 }
 

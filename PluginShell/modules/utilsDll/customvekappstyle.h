@@ -43,7 +43,8 @@ public:
 
 private Q_SLOTS:
     void onNonShiftedButtonDestroy(QObject* p);
-    void onNonShiftedButtonObjectNameChanged(QString strNewName); // clazy:exclude=function-args-by-ref
+    void onNonShiftedButtonObjectNameChanged(
+        QString strNewName); // clazy:exclude=function-args-by-ref
 
 private:
     struct pimpl;
