@@ -60,7 +60,7 @@ const std::vector<Exception>& exceptions()
         // What test scripts compare platformName() with.
         in("PluginShell/modules/scripting/ScriptingChecks.cpp", R"("mac_os_x")"),
         // The style sheet's name in the resources.
-        in("PluginShell/modules/utilsDll", R"(:/qss/mac\.qss\b)"),
+        in("PluginShell/modules/utilsDll", R"(:/qss/(mac|extra-mac-%1)\.qss\b)"),
         // Qt's name for the style that ours is based on.
         in("PluginShell/modules/utilsDll", R"("Windows")"),
         // A bundle's folder for executables.

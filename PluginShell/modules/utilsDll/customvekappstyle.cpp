@@ -50,6 +50,8 @@ bool isRightToLeft(const QStyleOption* option)
 struct Q_DECL_HIDDEN CustomVekAppStyle::pimpl
 {
     bool disableButtonShift(QObject const* object, bool disable);
+    int buttonShift(const CustomVekAppStyle& style, PixelMetric metric, const QStyleOption* option,
+                    const QWidget* widget) const;
 
     QPixmap toolbarExtPixmap{newPixmapForToolbarExt};
     QHash<QString, QObject const*> nonShiftedButtons;
@@ -73,6 +75,21 @@ bool CustomVekAppStyle::pimpl::disableButtonShift(QObject const* object, bool di
     ASSERT(found.value() == object);
     nonShiftedButtons.erase(found); // another's entry, too, which is meant
     return true;
+}
+
+/// A function of its own, as all other metrics would pay for its stack frame.
+Q_NEVER_INLINE int CustomVekAppStyle::pimpl::buttonShift(const CustomVekAppStyle& style,
+                                                         PixelMetric metric,
+                                                         const QStyleOption* option,
+                                                         const QWidget* widget) const
+{
+    const QString name = widget->objectName();
+    // The property counts by being there, even with the value false.
+    if (!name.isEmpty()
+        && (nonShiftedButtons.contains(name)
+            || widget->property("disableButtonShiftProperty").isValid()))
+        return 0;
+    return style.QProxyStyle::pixelMetric(metric, option, widget);
 }
 
 CustomVekAppStyle::CustomVekAppStyle()
@@ -144,14 +161,8 @@ void CustomVekAppStyle::drawControl(ControlElement element, const QStyleOption* 
 int CustomVekAppStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
                                    const QWidget* widget) const
 {
-    if ((metric == PM_ButtonShiftHorizontal || metric == PM_ButtonShiftVertical) && widget) {
-        const QString name = widget->objectName();
-        // The property counts by being there, even with the value false.
-        if (!name.isEmpty()
-            && (m_pimpl->nonShiftedButtons.contains(name)
-                || widget->property("disableButtonShiftProperty").isValid()))
-            return 0;
-    }
+    if ((metric == PM_ButtonShiftHorizontal || metric == PM_ButtonShiftVertical) && widget)
+        return m_pimpl->buttonShift(*this, metric, option, widget);
     return QProxyStyle::pixelMetric(metric, option, widget);
 }
 
@@ -170,7 +181,7 @@ int CustomVekAppStyle::styleHint(StyleHint hint, const QStyleOption* option, con
     case SH_Slider_AbsoluteSetButtons:
         return Qt::LeftButton;
     case SH_ToolTip_Mask:
-        if (auto* mask = qstyleoption_cast<QStyleHintReturnMask*>(returnData)) {
+        if (auto* mask = option ? qstyleoption_cast<QStyleHintReturnMask*>(returnData) : nullptr) {
             // Placed at the origin, wherever the option's rectangle is; that is meant.
             mask->region = withoutCorners(option->rect.width(), option->rect.height());
             return 1;

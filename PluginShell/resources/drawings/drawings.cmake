@@ -17,3 +17,8 @@ add_custom_command(OUTPUT ${tree}/icons.stamp
     COMMENT "Drawing the icons"
     VERBATIM)
 list(APPEND tree_files ${tree}/icons.stamp)
+
+# Paints the sheet that contactSheet.py lays all icons out on, see tools/pictures.
+add_executable(paintSheet EXCLUDE_FROM_ALL drawings/paintSheet.cpp)
+target_link_libraries(paintSheet PRIVATE Qt5::Gui Qt5::Svg)
+set_target_properties(paintSheet PROPERTIES COMPILE_OPTIONS "-O1" LINK_OPTIONS "" AUTOMOC OFF)

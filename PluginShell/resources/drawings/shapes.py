@@ -310,13 +310,11 @@ def camera():
 
 
 def lens():
-    """An objective from the side, front glass to the left."""
+    """An objective from the front, with light on its glass."""
     return (
-        path("M6.75 5.25C3.9 7 2.25 9.2 2.25 12S3.9 17 6.75 18.75")
-        + rect(6.75, 3.75, 4.5, 16.5, 1, fill=ACCENT)
-        + path("M11.25 6.75H17.75A1 1 0 0 1 18.75 7.75V16.25A1 1 0 0 1 17.75 17.25H11.25")
-        + path("M18.75 9.75H21.75V14.25H18.75")
-        + line(15, 9.75, 15, 14.25)
+        circle(12, 12, 9.75)
+        + circle(12, 12, 6, fill=ACCENT)
+        + arc(12, 12, 2.25, 90, 180)
     )
 
 
@@ -358,6 +356,6 @@ def refresh():
 def file_sheet():
     """A sheet with a folded corner."""
     return path(
-        "M7.25 2.25H12.75L18.75 8.25V19.75A2 2 0 0 1 16.75 21.75H7.25A2 2 0 0 1 5.25 19.75V4.25"
-        "A2 2 0 0 1 7.25 2.25Z"
+        "M5.75 2.25H12.75L18.75 8.25V19.75A2 2 0 0 1 16.75 21.75H5.75A2 2 0 0 1 3.75 19.75V4.25"
+        "A2 2 0 0 1 5.75 2.25Z"
     ) + polyline((12.75, 2.25), (12.75, 8.25), (18.75, 8.25))

@@ -139,9 +139,11 @@ def pincushion():
 
 
 def fisheye():
-    return circle(12, 12, 9.75, fill=ACCENT) + path(
-        "M8.25 3Q5.25 12 8.25 21M15.75 3Q18.75 12 15.75 21"
-        "M3 8.25Q12 5.25 21 8.25M3 15.75Q12 18.75 21 15.75"
+    """The round picture in its frame, with a horizon that bulges."""
+    return (
+        rect(2.25, 2.25, 19.5, 19.5)
+        + circle(12, 12, 6.75, fill=ACCENT)
+        + path("M5.5 13.5Q12 6.75 18.5 13.5")
     )
 
 
