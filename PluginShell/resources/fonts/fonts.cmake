@@ -7,6 +7,8 @@ set(quicksand_dir /usr/share/fonts/truetype/quicksand)
 utilsdll_require_file(${roboto_dir} fonts-roboto-unhinted)
 utilsdll_require_file(${open_sans_dir} fonts-open-sans)
 utilsdll_require_file(${quicksand_dir} fonts-quicksand)
+set(UTILSDLL_FONT_FOLDERS ${roboto_dir} ${open_sans_dir} ${quicksand_dir}
+    CACHE INTERNAL "Where the fonts come from")
 execute_process(COMMAND ${UTILSDLL_PYTHON} -c "import fontTools"
     RESULT_VARIABLE without_fonttools ERROR_QUIET)
 if(without_fonttools)
@@ -15,7 +17,7 @@ endif()
 
 add_custom_command(OUTPUT ${tree}/fonts.stamp
     COMMAND ${UTILSDLL_PYTHON} ${fonts}/renameFonts.py
-        ${roboto_dir} ${open_sans_dir} ${quicksand_dir} ${tree}/fonts
+        ${UTILSDLL_FONT_FOLDERS} ${tree}/fonts
     COMMAND ${CMAKE_COMMAND} -E touch ${tree}/fonts.stamp
     DEPENDS ${fonts}/renameFonts.py
     COMMENT "Renaming the fonts"
