@@ -785,8 +785,8 @@ void tst_MessageBox::sheetRules()
     const MessageBoxSheet sheet;
     QWidget widget;
     widget.ensurePolished();
-    QCOMPARE(sheet.text().count(QLatin1Char('{')), 10);
-    QCOMPARE(sheet.text().count(QLatin1Char('}')), 10);
+    QCOMPARE(sheet.text().count(QLatin1Char('{')), 11);
+    QCOMPARE(sheet.text().count(QLatin1Char('}')), 11);
     QVERIFY(sheet.text().toLatin1() == sheet.text().toUtf8());
 }
 

@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -48,6 +49,33 @@ bool isOblique(double angle)
     return std::fmod(angle / 90.0, 1.0) != 0.0;
 }
 
+/// Not so for what isn't a number and what no integer holds.
+bool isDrawable(const QLineF& line)
+{
+    const auto fits = [](double value) {
+        return std::abs(value) < double(std::numeric_limits<int>::max());
+    };
+    return fits(line.x1()) && fits(line.y1()) && fits(line.x2()) && fits(line.y2())
+        && fits(line.length());
+}
+
+/// Draws \a pixmap again and again from the origin to the right, for a line that begins at
+/// \a start. Tiles far beyond what the painter shows are left out, as a line may be very long.
+void drawTiles(QPainter* painter, const QPixmap& pixmap, const QPointF& start, int end)
+{
+    double first = 0.0;
+    double last = end;
+    const QRectF shown = painter->window();
+    if (!shown.isEmpty()) {
+        const double way = QLineF(start, shown.center()).length();
+        const double reach = 16.0 * (std::hypot(shown.width(), shown.height()) + pixmap.width());
+        first = qMax(first, std::floor((way - reach) / pixmap.width()) * pixmap.width());
+        last = qMin(last, way + reach);
+    }
+    for (double x = first; x <= last; x += pixmap.width())
+        painter->drawPixmap(int(x), 0, pixmap);
+}
+
 } // namespace
 
 void drawToolLine(QPointF const& from, QPointF const& to, QPixmap const& pixmap, bool stretch,
@@ -64,16 +92,16 @@ void drawToolLine(QPointF const& from, QPointF const& to, QPixmap const& pixmap,
     if (isUpsideDown(QLineF(p1, p2).angle()))
         std::swap(p1, p2);
 
-    const double angle = QLineF(p1, p2).angle();
+    const QLineF line(p1, p2);
+    if (!isDrawable(line))
+        return;
+    const double angle = line.angle();
     if (isOblique(angle)) {
         // Lines along an axis aren't centred, which is meant.
         const QPointF upwards(0.0, -pixmap.height() * 0.5);
         p1 += upwards;
         p2 += upwards;
     }
-    const double length = QLineF(p1, p2).length();
-    if (!(length < std::numeric_limits<int>::max() / 2)) // not a number, or no line of a picture
-        return;
 
     const QTransform savedTransform = painter->transform();
     const QPainter::RenderHints savedHints = painter->renderHints();
@@ -83,13 +111,12 @@ void drawToolLine(QPointF const& from, QPointF const& to, QPixmap const& pixmap,
     painter->setTransform(transform, false);
     painter->setRenderHint(QPainter::SmoothPixmapTransform);
 
-    const int end = qRound(length);
+    const int end = qRound(line.length());
     if (stretch) {
         painter->drawPixmap(QRect(0, 0, end, qRound(double(pixmap.height()))), pixmap,
                             pixmap.rect());
     } else {
-        for (int x = 0; x <= end; x += pixmap.width())
-            painter->drawPixmap(x, 0, pixmap);
+        drawTiles(painter, pixmap, p1, end);
     }
 
     painter->setTransform(savedTransform, false);
@@ -102,7 +129,7 @@ QList<QPointF> lineAndCircleIntersectionPoints(double x1, double y1, double x2, 
     const double dx = x2 - x1;
     const double dy = y2 - y1;
     const double length = std::sqrt(dx * dx + dy * dy);
-    if (std::abs(length) <= 1e-12)
+    if (!qIsFinite(length) || length <= 1e-12)
         return {};
 
     const double ux = dx / length;
@@ -114,6 +141,8 @@ QList<QPointF> lineAndCircleIntersectionPoints(double x1, double y1, double x2, 
 
     if (radius > distance) {
         const double half = std::sqrt(radius * radius - distance * distance);
+        if (!qIsFinite(half))
+            return {};
         return {pointAt(t - half), pointAt(t + half)};
     }
     if (qFuzzyCompare(distance, radius))

@@ -10,6 +10,8 @@
 #include <QStyleOption>
 #include <QTreeView>
 
+#include <algorithm>
+
 namespace VEK_NAMESPACE {
 
 namespace {
