@@ -26,7 +26,7 @@ PreferencesDialog::PreferencesDialog(QWidget* parent)
     m_languageCombo = named<QComboBox>("languageCombo");
     m_languageCombo->setModel(languages->model());
     m_languageCombo->setCurrentIndex(m_formerLanguage);
-    connect(m_languageCombo, QOverload<int>::of(&QComboBox::activated), languages,
+    connect(m_languageCombo, QOverload<int>::of(&QComboBox::currentIndexChanged), languages,
             &CLanguageManager::changeLanguage);
 
     m_unitsCombo = named<QComboBox>("unitsCombo");
