@@ -22,6 +22,7 @@
 #include <QTimer>
 
 #include <functional>
+#include <map>
 
 using namespace VEK_NAMESPACE;
 
@@ -77,6 +78,19 @@ private:
     const QStringList m_wanted;
 };
 
+/// The product's other modules ask this, so it isn't among the host's texts.
+QString quitQuestion(const QString& language)
+{
+    static const std::map<QString, QString> questions = {
+        {"de", QStringLiteral("Ein Bild wird noch gespeichert. Trotzdem beenden?")},
+        {"en", QStringLiteral("A picture is still being saved. Quit all the same?")},
+        {"fr",
+         QStringLiteral("Une image est en cours d’enregistrement. Quitter quand même\u00a0?")},
+        {"ja", QStringLiteral("画像を保存しています。それでも終了しますか？")},
+    };
+    return questions.at(language);
+}
+
 /// The box of every kind, with the words of the program that it comes up in.
 void takeMessageBoxes(Photographer* photographer, QWidget* parent, const QString& language)
 {
@@ -98,7 +112,7 @@ void takeMessageBoxes(Photographer* photographer, QWidget* parent, const QString
         CMessageBox::yesNoMessage(parent, text("Reset all corrections?"), boxHeight);
     });
     photographer->takeDialog(name("quit"), [&] {
-        CMessageBox::backgroundProcessingCancelMessage(parent, text("Correcting %1").arg(file));
+        CMessageBox::backgroundProcessingCancelMessage(parent, quitQuestion(language));
     });
     photographer->takeDialog(name("information"), [&] {
         CMessageBox::information(parent, text("Saved %1").arg(file), boxHeight);

@@ -64,10 +64,11 @@ BusyBar::BusyBar(QWidget* parent)
     connect(&m_moment, &QTimer::timeout, this, &QWidget::show);
 }
 
-BusyBar::Outcome BusyBar::run(CQRunnableItem& work, const QString& text)
+BusyBar::Outcome BusyBar::run(CQRunnableItem& work, const std::function<QString()>& describe)
 {
     m_work = &work;
-    m_text->setText(text);
+    m_describe = describe;
+    retranslate();
     m_progress->setRange(0, 0);
     Q_EMIT busyChanged(true);
     if (!isVisible())
@@ -92,6 +93,7 @@ BusyBar::Outcome BusyBar::run(CQRunnableItem& work, const QString& text)
     disconnect(finished);
 
     m_work = nullptr;
+    m_describe = nullptr;
     m_moment.stop();
     hide();
     Q_EMIT busyChanged(false);
@@ -108,6 +110,8 @@ void BusyBar::changeEvent(QEvent* event)
 void BusyBar::retranslate()
 {
     m_stopButton->setText(tr("Stop"));
+    if (m_describe)
+        m_text->setText(m_describe());
 }
 
 bool BusyBar::isBusy() const

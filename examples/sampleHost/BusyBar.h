@@ -3,6 +3,8 @@
 #include <QFrame>
 #include <QTimer>
 
+#include <functional>
+
 class CQRunnableItem;
 class QLabel;
 class QProgressBar;
@@ -25,8 +27,8 @@ public:
     explicit BusyBar(QWidget* parent = nullptr);
 
     /// Runs \a work, which stays the caller's, and serves events until it has ended. Only one work
-    /// at a time.
-    Outcome run(CQRunnableItem& work, const QString& text);
+    /// at a time. \a describe gives the text that is shown, again when the language changes.
+    Outcome run(CQRunnableItem& work, const std::function<QString()>& describe);
 
     bool isBusy() const;
 
@@ -44,6 +46,7 @@ private:
     void retranslate();
 
     CQRunnableItem* m_work = nullptr;
+    std::function<QString()> m_describe;
     QTimer m_moment;
     QLabel* m_text = nullptr;
     QProgressBar* m_progress = nullptr;

@@ -2,7 +2,6 @@
 
 #include "GuiUtils.h"
 
-#include <QIcon>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -83,6 +82,8 @@ CorrectionHandles::CorrectionHandles(QWidget* parent)
     : QWidget(parent)
     , m_line(levelLine)
     , m_pattern(QStringLiteral(":/icons/perspective/line.png"))
+    , m_grip(QStringLiteral(":/icons/perspective/handle_idle.svg"))
+    , m_litGrip(QStringLiteral(":/icons/perspective/handle_hover.svg"))
 {
     setMouseTracking(true);
 }
@@ -96,6 +97,17 @@ void CorrectionHandles::setFrame(const QRectF& frame)
 void CorrectionHandles::setCorrections(const Corrections& corrections)
 {
     m_corrections = corrections;
+}
+
+void CorrectionHandles::letGo()
+{
+    if (m_dragged == Handle::None)
+        return;
+    if (m_dragged == Handle::LineStart || m_dragged == Handle::LineEnd)
+        levelPicture();
+    m_dragged = Handle::None;
+    update();
+    Q_EMIT released();
 }
 
 QPointF CorrectionHandles::position(Handle handle) const
@@ -136,13 +148,11 @@ void CorrectionHandles::paintEvent(QPaintEvent* event)
     QPainter painter(this);
     drawToolLine(line().p1(), line().p2(), m_pattern, false, &painter, m_frame);
 
-    const QIcon idle(QStringLiteral(":/icons/perspective/handle_idle.svg"));
-    const QIcon hovered(QStringLiteral(":/icons/perspective/handle_hover.svg"));
     const Handle lit = m_dragged == Handle::None ? m_hovered : m_dragged;
     for (const Handle handle : handles) {
         QRect grip(0, 0, gripSize, gripSize);
         grip.moveCenter(position(handle).toPoint());
-        paintIcon(&painter, handle == lit ? hovered : idle, grip, Qt::KeepAspectRatio,
+        paintIcon(&painter, handle == lit ? m_litGrip : m_grip, grip, Qt::KeepAspectRatio,
                   QIcon::Normal, QIcon::Off);
     }
 }
@@ -169,18 +179,20 @@ void CorrectionHandles::mouseReleaseEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton || m_dragged == Handle::None)
         return;
-    if (m_dragged == Handle::LineStart || m_dragged == Handle::LineEnd)
-        levelPicture();
-    m_dragged = Handle::None;
+    letGo();
     setHovered(handleAt(event->localPos()));
-    update();
-    Q_EMIT released();
 }
 
 void CorrectionHandles::leaveEvent(QEvent* event)
 {
     setHovered(Handle::None);
     QWidget::leaveEvent(event);
+}
+
+void CorrectionHandles::hideEvent(QHideEvent* event)
+{
+    letGo();
+    QWidget::hideEvent(event);
 }
 
 QLineF CorrectionHandles::line() const
@@ -214,6 +226,8 @@ void CorrectionHandles::setHovered(Handle handle)
 
 void CorrectionHandles::drag(const QPointF& position)
 {
+    if (m_frame.isEmpty())
+        return;
     const QPointF centre = m_frame.center();
     Corrections corrections = m_pressedCorrections;
     switch (m_dragged) {

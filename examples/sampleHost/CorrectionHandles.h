@@ -2,6 +2,7 @@
 
 #include "Corrections.h"
 
+#include <QIcon>
 #include <QLineF>
 #include <QPixmap>
 #include <QRectF>
@@ -42,6 +43,9 @@ public:
     /// What a drag starts from.
     void setCorrections(const Corrections& corrections);
 
+    /// Ends a drag where it is.
+    void letGo();
+
     /// Where the middle of a handle is.
     QPointF position(Handle handle) const;
 
@@ -56,6 +60,7 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
     QLineF line() const;
@@ -68,7 +73,9 @@ private:
     QRectF m_frame;
     QLineF m_line; ///< in parts of the frame
     Corrections m_corrections;
-    QPixmap m_pattern;
+    const QPixmap m_pattern;
+    const QIcon m_grip;
+    const QIcon m_litGrip;
     Handle m_hovered = Handle::None;
     Handle m_dragged = Handle::None;
     QPointF m_pressedAt;

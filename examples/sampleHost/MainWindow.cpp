@@ -28,9 +28,11 @@
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLocale>
 #include <QMenuBar>
 #include <QPainter>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QScreen>
 #include <QSlider>
 #include <QStyle>
@@ -85,9 +87,11 @@ QString imageSizeText(const QSize& size)
     const Unit& unit = units[chosen > 0 && chosen < 4 ? chosen : 0];
 
     const QScreen* screen = QGuiApplication::primaryScreen();
-    const auto text = [&unit](int pixels, double dpi) {
+    QLocale locale;
+    locale.setNumberOptions(QLocale::OmitGroupSeparator);
+    const auto text = [&](int pixels, double dpi) {
         const double value = unit.perInch > 0.0 ? pixels * unit.perInch / dpi : pixels;
-        return QString::number(value, 'f', unit.decimals);
+        return locale.toString(value, 'f', unit.decimals);
     };
     return QStringLiteral("%1 x %2 %3")
         .arg(text(size.width(), int(screen->physicalDotsPerInchX())),
@@ -108,6 +112,23 @@ QIcon stateIcon(const char* name)
         icon.addFile(checked, QSize(), QIcon::Active, QIcon::On);
     }
     return icon;
+}
+
+/// A file's name for a message box, which can't break long ones.
+QString nameInMessage(const QString& path)
+{
+    constexpr int longest = 35;
+    const QString name = QFileInfo(path).fileName();
+    if (name.size() <= longest)
+        return name;
+    return name.left(longest / 2) + QChar(0x2026) + name.right(longest / 2);
+}
+
+/// An action's text for places that show no mnemonic; Japanese has them between parentheses.
+QString plainText(QString text)
+{
+    static const QRegularExpression mnemonic(QStringLiteral("\\(&.\\)|&|…"));
+    return text.remove(mnemonic);
 }
 
 /// Not every desktop has a key for every standard action.
@@ -181,7 +202,7 @@ QFrame* MainWindow::createHeader()
     auto* header = named<QFrame>("header");
     header->setFixedHeight(60);
     auto* layout = new QHBoxLayout(header);
-    layout->setContentsMargins(32, 8, 20, 8);
+    layout->setContentsMargins(32, 8, 13, 8); // the last text ends where the first begins
     layout->setSpacing(8);
     layout->addWidget(m_openButton);
     layout->addSpacing(12);
@@ -199,6 +220,7 @@ QToolButton* MainWindow::createToolButton(const char* name, QAction* action)
 {
     auto* button = named<QToolButton>(name);
     button->setDefaultAction(action);
+    button->setAutoRaise(true); // without it the icon doesn't know the mouse
     button->setIconSize(QSize(24, 24));
     button->setFocusPolicy(Qt::TabFocus);
     return button;
@@ -285,12 +307,22 @@ void MainWindow::retranslate()
     m_helpMenu->setTitle(tr("&Help"));
     m_aboutAction->setText(tr("&About"));
 
+    for (QAction* action : {m_undoAction, m_gridAction, m_handlesAction}) {
+        action->setToolTip(plainText(action->text()));
+        action->setIconText(action->toolTip());
+    }
+
     m_openButton->setText(tr("Open…"));
     m_preferencesButton->setText(tr("Preferences"));
     m_aboutButton->setText(tr("About"));
+    showPlaceholder();
+    showImageSize();
+}
+
+void MainWindow::showPlaceholder()
+{
     m_view->setPlaceholder(m_unreadableName.isEmpty() ? tr("No picture")
                                                       : tr("Cannot open %1").arg(m_unreadableName));
-    showImageSize();
 }
 
 void MainWindow::connectControls()
@@ -348,7 +380,7 @@ bool MainWindow::openPicture(const QString& path)
     const QImage picture = readPicture(path);
     if (picture.isNull()) {
         m_unreadableName = QFileInfo(path).fileName();
-        retranslate();
+        showPlaceholder();
         return false;
     }
     showPicture(picture, path);
@@ -388,8 +420,7 @@ void MainWindow::openAfterQuestions(const QString& path)
 {
     QImage picture = readPicture(path);
     if (picture.isNull()) {
-        CMessageBox::critical(this, tr("Cannot open %1").arg(QFileInfo(path).fileName()),
-                              simpleBoxHeight);
+        CMessageBox::critical(this, tr("Cannot open %1").arg(nameInMessage(path)), simpleBoxHeight);
         return;
     }
     if (!mayDiscardPicture())
@@ -406,8 +437,10 @@ void MainWindow::openAfterQuestions(const QString& path)
 void MainWindow::showPicture(const QImage& picture, const QString& path)
 {
     logLine(QStringLiteral("Opened %1, %2").arg(path, imageSizeText(picture.size())));
+    m_handles->letGo();
     m_picture = picture;
     m_path = path;
+    m_unreadableName.clear();
     m_panel->setTitle(pictureTitle(picture));
     m_panel->setCorrections(Corrections());
     m_savedTitle = m_panel->title();
@@ -444,7 +477,7 @@ bool MainWindow::save()
     m_savedTitle = title;
     m_savedCorrections = corrections;
     updateState();
-    CMessageBox::information(this, tr("Saved %1").arg(QFileInfo(path).fileName()), simpleBoxHeight);
+    CMessageBox::information(this, tr("Saved %1").arg(nameInMessage(path)), simpleBoxHeight);
     return true;
 }
 
@@ -472,15 +505,15 @@ bool MainWindow::writeCorrected(const QString& path, const QString& title)
     connect(
         &correction, &CorrectionJob::corrected, this,
         [&corrected](const QImage& picture) { corrected = picture; }, Qt::DirectConnection);
-    BusyBar::Outcome outcome =
-        m_busyBar->run(correction, tr("Correcting %1").arg(QFileInfo(m_path).fileName()));
+    BusyBar::Outcome outcome = m_busyBar->run(
+        correction, [this] { return tr("Correcting %1").arg(QFileInfo(m_path).fileName()); });
     if (outcome == BusyBar::Outcome::Done) {
         PictureWriter writer(corrected, title, path, hostGround());
-        outcome = m_busyBar->run(writer, tr("Writing %1").arg(name));
+        outcome = m_busyBar->run(writer, [&name] { return tr("Writing %1").arg(name); });
     }
     if (outcome != BusyBar::Outcome::Failed)
         return outcome == BusyBar::Outcome::Done;
-    CMessageBox::critical(this, tr("Cannot save %1").arg(name), simpleBoxHeight);
+    CMessageBox::critical(this, tr("Cannot save %1").arg(nameInMessage(path)), simpleBoxHeight);
     return false;
 }
 
@@ -558,7 +591,7 @@ bool MainWindow::mayDiscardPicture()
     if (!isChanged())
         return true;
     switch (CMessageBox::saveDiscardCancelMessage(
-        this, tr("Save changes to %1?").arg(QFileInfo(m_path).fileName()), questionBoxHeight)) {
+        this, tr("Save changes to %1?").arg(nameInMessage(m_path)), questionBoxHeight)) {
     case QMessageBox::Save:
         return save();
     case QMessageBox::Discard:

@@ -68,6 +68,7 @@ private:
                           const char* icon = nullptr);
     void createMenus();
     void retranslate();
+    void showPlaceholder();
     void connectControls();
     void restoreSettings();
     void openAfterQuestions(const QString& path);

@@ -16,21 +16,29 @@
 
 using namespace VEK_NAMESPACE;
 
+namespace {
+
+constexpr int unitCount = 4;
+
+} // namespace
+
 PreferencesDialog::PreferencesDialog(QWidget* parent)
     : CBaseDialog(parent)
 {
     setObjectName(QStringLiteral("preferencesDialog"));
 
     CLanguageManager* languages = CLanguageManager::instance();
-    m_formerLanguage = languages->currentLanguageIndex();
+    m_formerNumber = languages->currentLanguageNumber();
+    m_formerRow = languages->currentLanguageIndex();
     m_languageCombo = named<QComboBox>("languageCombo");
     m_languageCombo->setModel(languages->model());
-    m_languageCombo->setCurrentIndex(m_formerLanguage);
+    m_languageCombo->setCurrentIndex(m_formerRow);
     connect(m_languageCombo, QOverload<int>::of(&QComboBox::currentIndexChanged), languages,
             &CLanguageManager::changeLanguage);
 
     m_unitsCombo = named<QComboBox>("unitsCombo");
-    m_unitsCombo->addItems({{}, {}, {}, {}});
+    for (int i = 0; i < unitCount; ++i)
+        m_unitsCombo->addItem(QString());
     m_showImageSizeCheckBox = named<QCheckBox>("showImageSizeCheckBox");
 
     const CSettings settings;
@@ -91,8 +99,11 @@ void PreferencesDialog::accept()
 
 void PreferencesDialog::reject()
 {
-    if (m_formerLanguage >= 0)
-        CLanguageManager::instance()->changeLanguage(m_formerLanguage);
+    CLanguageManager* languages = CLanguageManager::instance();
+    if (m_formerRow >= 0)
+        languages->changeLanguage(m_formerRow);
+    else
+        languages->setCurrentLanguageNumber(m_formerNumber);
     CBaseDialog::reject();
 }
 
@@ -112,8 +123,9 @@ void PreferencesDialog::retranslate()
     m_unitsLabel->setText(tr("Units"));
     m_unitsCombo->setAccessibleName(tr("Units"));
     // The order is that of the setting's values.
-    const QString units[] = {tr("Pixels"), tr("Inches"), tr("Centimetres"), tr("Millimetres")};
-    for (int i = 0; i < m_unitsCombo->count(); ++i)
+    const QString units[unitCount] = {tr("Pixels"), tr("Inches"), tr("Centimetres"),
+                                      tr("Millimetres")};
+    for (int i = 0; i < unitCount; ++i)
         m_unitsCombo->setItemText(i, units[i]);
     m_showImageSizeCheckBox->setText(tr("Show the image size"));
     m_cancelButton->setText(tr("Cancel"));

@@ -26,7 +26,9 @@ protected:
 private:
     void retranslate();
 
-    int m_formerLanguage = -1; ///< row of the language when the dialog was opened
+    /// Of the language when the dialog was opened. A number that no language has has no row.
+    unsigned int m_formerNumber = 0;
+    int m_formerRow = -1;
     QComboBox* m_languageCombo = nullptr;
     QComboBox* m_unitsCombo = nullptr;
     QCheckBox* m_showImageSizeCheckBox = nullptr;

@@ -55,6 +55,8 @@ ToolPanel::ToolPanel(QWidget* parent)
 
     auto* buttons = new QGridLayout;
     buttons->setSpacing(8);
+    buttons->setColumnStretch(0, 1);
+    buttons->setColumnStretch(1, 1);
     buttons->addWidget(m_saveButton, 0, 0, 1, 2);
     buttons->addWidget(m_exportButton, 1, 0);
     buttons->addWidget(m_closeButton, 1, 1);

@@ -1,12 +1,15 @@
 #!/usr/bin/env bash
 # What is made while building is made with the same bytes every time, whatever the surroundings.
-# usage: sameBytes.sh PYTHON SOURCES TREE RASTERISE FONT_FOLDER... (three of them)
+# usage: sameBytes.sh PYTHON RASTERISE LRELEASE SOURCES BUILT ROBOTO OPEN_SANS QUICKSAND LENSFUN COUNTRIES
 set -euo pipefail
 python=$1
-sources=$2
-tree=$3
-rasterise=$4
-fonts=("${@:5:3}")
+rasterise=$2
+lrelease=$3
+sources=$4
+built=$5
+fonts=("${@:6:3}")
+lensfun=$9
+countries=${10}
 again=$PWD/again
 
 export PYTHONHASHSEED=4711 TZ=Asia/Tokyo LC_ALL=C.UTF-8
@@ -17,8 +20,8 @@ mkdir -p "$again"/{caf,translations}
 for file in C35830a_001 C36841a_000; do
     "$python" "$sources/data/makeCaf.py" "$again/caf/$file.caf"
 done
-"$python" "$sources/data/makeCatalogue.py" /usr/share/lensfun/version_1 "$again/caf/CAFList1010.db"
-"$python" "$sources/data/makeCountries.py" /usr/share/iso-codes/json/iso_3166-1.json \
+"$python" "$sources/data/makeCatalogue.py" "$lensfun" "$again/caf/CAFList1010.db"
+"$python" "$sources/data/makeCountries.py" "$countries" \
     "$again/translations/countries.en.txt"
 
 status=0
@@ -28,10 +31,14 @@ while read -r file; do
     qss/* | other/*) continue ;; # as they are in the sources
     esac
     count=$((count + 1))
-    cmp "$tree/$file" "$again/$file" || status=1
+    cmp "$built/vek/$file" "$again/$file" || status=1
 done < <(sed -n 's/.*<file>\(.*\)<\/file>.*/\1/p' "$sources/vek.qrc")
 if [ "$count" -ne 367 ]; then
     echo "$count files are made, not 367"
     status=1
 fi
+for language in de en fr ja; do
+    "$lrelease" -silent "$sources/translations/vek_$language.ts" -qm "$again/vek_$language.qm"
+    cmp "$built/vek_$language.qm" "$again/vek_$language.qm" || status=1
+done
 exit "$status"

@@ -2,6 +2,7 @@
 // of 24 megapixels that takes its time.
 
 #include "BusyBar.h"
+#include "DialogWatcher.h"
 #include "MainWindow.h"
 
 #include <QAction>
@@ -18,37 +19,8 @@
 #include <QSlider>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
-
-#include <functional>
 
 namespace {
-
-/// Calls a function for each modal dialog that comes up while it lives.
-class DialogWatcher : public QObject
-{
-public:
-    explicit DialogWatcher(const std::function<void(QWidget*)>& onDialog)
-    {
-        connect(&m_timer, &QTimer::timeout, this, [this, onDialog] {
-            QWidget* dialog = QApplication::activeModalWidget();
-            if (!dialog || dialog == m_last || !dialog->isVisible())
-                return;
-            m_last = dialog;
-            ++m_count;
-            onDialog(dialog);
-            m_last = nullptr;
-        });
-        m_timer.start(20);
-    }
-
-    int count() const { return m_count; }
-
-private:
-    QTimer m_timer;
-    QWidget* m_last = nullptr;
-    int m_count = 0;
-};
 
 void sendMouse(QWidget* widget, QEvent::Type type, const QPoint& position)
 {

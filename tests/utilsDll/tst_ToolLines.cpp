@@ -381,6 +381,9 @@ private Q_SLOTS:
     void nothingToDraw();
     void unreasonableLine_data();
     void unreasonableLine();
+    void aVeryLongLine_data();
+    void aVeryLongLine();
+    void aVeryLongLineInAPicture();
     void unreasonableBounds_data();
     void unreasonableBounds();
 
@@ -977,6 +980,64 @@ void tst_ToolLines::unreasonableLine()
         painter.end();
         QVERIFY(isBlank(image));
     }
+}
+
+/// Lines of millions of tiles, of which a picture of 60 by 20 pixels shows a row or a column.
+void tst_ToolLines::aVeryLongLine_data()
+{
+    QTest::addColumn<QPointF>("from");
+    QTest::addColumn<QPointF>("to");
+    QTest::addColumn<QRect>("window");
+    QTest::addColumn<QRect>("shown");
+    const QRect whole(0, 0, 60, 20);
+    const QRect row(0, 5, 60, 1);
+    QTest::newRow("begins in the picture") << QPointF(0, 5) << QPointF(1e9, 5) << whole << row;
+    QTest::newRow("ends in the picture") << QPointF(-1e9, 5) << QPointF(59, 5) << whole << row;
+    QTest::newRow("crosses the picture") << QPointF(-1e9, 5) << QPointF(1e9, 5) << whole << row;
+    QTest::newRow("crosses it to the left") << QPointF(1e9, 5) << QPointF(-1e9, 5) << whole << row;
+    QTest::newRow("crosses it upwards")
+        << QPointF(7, 1e9) << QPointF(7, -1e9) << whole << QRect(7, 0, 1, 20);
+    QTest::newRow("misses the picture") << QPointF(0, 25) << QPointF(1e9, 25) << whole << QRect();
+    QTest::newRow("in a window that is a part of the picture")
+        << QPointF(0, 5) << QPointF(1e9, 5) << QRect(0, 0, 6, 2) << row;
+}
+
+void tst_ToolLines::aVeryLongLine()
+{
+    QFETCH(QPointF, from);
+    QFETCH(QPointF, to);
+    QFETCH(QRect, window);
+    QFETCH(QRect, shown);
+    QPixmap red(1, 1);
+    red.fill(Qt::red);
+    QImage image(60, 20, QImage::Format_RGB32);
+    image.fill(Qt::white);
+
+    QPainter painter(&image);
+    painter.setWindow(window);
+    painter.setViewport(window);
+    drawToolLine(from, to, red, false, &painter, unbounded);
+    painter.end();
+
+    QImage expected(60, 20, QImage::Format_RGB32);
+    expected.fill(Qt::white);
+    if (!shown.isEmpty()) {
+        QPainter expectedPainter(&expected);
+        expectedPainter.fillRect(shown, Qt::red);
+    }
+    QCOMPARE(image, expected);
+}
+
+/// What is recorded has no edge to end at.
+void tst_ToolLines::aVeryLongLineInAPicture()
+{
+    QPixmap tile(4, 1);
+    tile.fill(Qt::red);
+    RecordingDevice device;
+    QPainter painter(&device);
+    drawToolLine({0, 5}, {2e9, 5}, tile, false, &painter, unbounded);
+    painter.end();
+    QCOMPARE(device.engine.drawn.size(), 1 + 65536); // the place, and the tiles
 }
 
 void tst_ToolLines::unreasonableBounds_data()

@@ -63,7 +63,8 @@ UTILSDLL_EXPORT QPixmap toolCursorPixmap(ToolCursorType type);
 
 /// Draws a guide line with \a pixmap as its pattern, repeated, or stretched to the line's length.
 /// The pattern runs from left to right, and upwards in a vertical line. The last repetition may go
-/// past the end. Oblique lines are centred on the pixmap's height, others lie below the line.
+/// past the end. The pattern lies below the line, or to the right of a vertical one; an oblique
+/// line is moved up by half the pixmap's height.
 ///
 /// Coordinates are those of the painter's device, its transformation is left aside and given back.
 /// With \a bounds of a positive size nothing is drawn if both ends lie outside, and an end that

@@ -3,6 +3,7 @@
 #include "CommonConstants.h"
 
 #include <QLineF>
+#include <QPaintEngine>
 #include <QPainter>
 #include <QPixmap>
 #include <QRectF>
@@ -59,20 +60,32 @@ bool isDrawable(const QLineF& line)
         && fits(line.length());
 }
 
-/// Draws \a pixmap again and again from the origin to the right, for a line that begins at
-/// \a start. Tiles far beyond what the painter shows are left out, as a line may be very long.
-void drawTiles(QPainter* painter, const QPixmap& pixmap, const QPointF& start, int end)
+/// No picture has so many; what is recorded instead of painted, has to end as well.
+constexpr int mostTiles = 1 << 16;
+
+/// The x coordinates that the painter can show, or all if it doesn't paint pixels.
+std::pair<double, double> shownRange(const QPainter& painter)
 {
-    double first = 0.0;
-    double last = end;
-    const QRectF shown = painter->window();
-    if (!shown.isEmpty()) {
-        const double way = QLineF(start, shown.center()).length();
-        const double reach = 16.0 * (std::hypot(shown.width(), shown.height()) + pixmap.width());
-        first = qMax(first, std::floor((way - reach) / pixmap.width()) * pixmap.width());
-        last = qMin(last, way + reach);
-    }
-    for (double x = first; x <= last; x += pixmap.width())
+    constexpr double farthest = std::numeric_limits<int>::max();
+    const QPaintEngine* engine = painter.paintEngine();
+    if (!engine || engine->type() != QPaintEngine::Raster || !engine->paintDevice())
+        return {0.0, farthest};
+    const QRectF pixels(0.0, 0.0, engine->paintDevice()->width(), engine->paintDevice()->height());
+    const QRectF shown = painter.deviceTransform().inverted().mapRect(pixels);
+    return {shown.left(), shown.right()};
+}
+
+/// Draws \a pixmap again and again to the right of the origin, as far as it can be seen: a line may
+/// be very long.
+void drawTiles(QPainter* painter, const QPixmap& pixmap, int end)
+{
+    const int width = pixmap.width();
+    const auto shown = shownRange(*painter);
+    // One more at both sides, as a smoothed tile reaches beyond its edge.
+    const double first = qMax(0.0, (std::floor(shown.first / width) - 1.0) * width);
+    const double last = qMin(double(end), shown.second + width);
+    double x = first;
+    for (int i = 0; i < mostTiles && x <= last; ++i, x += width)
         painter->drawPixmap(int(x), 0, pixmap);
 }
 
@@ -116,7 +129,7 @@ void drawToolLine(QPointF const& from, QPointF const& to, QPixmap const& pixmap,
         painter->drawPixmap(QRect(0, 0, end, qRound(double(pixmap.height()))), pixmap,
                             pixmap.rect());
     } else {
-        drawTiles(painter, pixmap, p1, end);
+        drawTiles(painter, pixmap, end);
     }
 
     painter->setTransform(savedTransform, false);

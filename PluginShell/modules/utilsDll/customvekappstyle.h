@@ -26,7 +26,7 @@ public:
     /// Registers a button to keep its contents in place when pressed, or removes it. The register
     /// goes by object names: the first button of a name holds it, and all others of that name are
     /// treated alike for as long as it lives. A button without a name fails an assertion and
-    /// remains as it is.
+    /// goes on shifting.
     void disableButtonShift(QWidget const* widget, bool disable = true);
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,

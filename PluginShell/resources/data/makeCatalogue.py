@@ -35,8 +35,8 @@ BODIES = 365
 PAIRS = 39985
 
 # A data file's identifier is the pair's number, "b" for a camera with a fixed lens and "a" for the
-# others, and the edition: 001 where vignetting was measured, too. The first number is such that
-# the pairs of the two files that are carried along have a file of that kind.
+# others, and the edition: 001 where vignetting was measured, too. The numbers of the two files that
+# are carried along go to the nearest pairs of their kind.
 FIRST_NUMBER = 10000
 CARRIED = ("C35830a_001", "C36841a_000")
 
@@ -331,9 +331,19 @@ def chosen_pairs(database, bodies):
     return pairs
 
 
-def module_row(row, body_id, camera, lens, adapted, picture):
-    edition = 1 if "vignetting" in lens.kinds else 0
-    cid = f"C{FIRST_NUMBER + row:05}{'b' if camera.fixed else 'a'}_{edition:03}"
+def identifiers(bodies, pairs):
+    kinds = [f"{'b' if bodies[number].fixed else 'a'}_{int('vignetting' in lens.kinds):03}"
+             for number, lens, _ in pairs]
+    numbers = list(range(FIRST_NUMBER + 1, FIRST_NUMBER + 1 + len(pairs)))
+    for carried in CARRIED:
+        place = numbers.index(int(carried[1:6]))
+        nearest = min((other for other, kind in enumerate(kinds) if kind == carried[6:]),
+                      key=lambda other: abs(other - place))
+        numbers[place], numbers[nearest] = numbers[nearest], numbers[place]
+    return [f"C{number:05}{kind}" for number, kind in zip(numbers, kinds)]
+
+
+def module_row(row, cid, body_id, camera, lens, adapted, picture):
     raw_only = (not adapted and camera.mount in CORRECTED_IN_CAMERA) or "DNG" in lens.name
     # Fixed lenses for which there is nothing but distortion were measured on developed pictures.
     rgb_only = camera.fixed and lens.kinds == ["distortion"] and not raw_only
@@ -345,12 +355,10 @@ def module_row(row, body_id, camera, lens, adapted, picture):
 def write(output, measurements, bodies, pairs):
     makers = sorted({camera.maker for camera in bodies})
     maker_ids = {maker: number for number, maker in enumerate(makers, 1)}
-    modules = [module_row(row, number + 1, bodies[number], lens, adapted,
+    modules = [module_row(row, cid, number + 1, bodies[number], lens, adapted,
                           lens.picture(measurements.crops[lens.id]))
-               for row, (number, lens, adapted) in zip(count(1), pairs)]
-    missing = set(CARRIED) - {module[1] for module in modules}
-    if missing:
-        fail(f"no pair has the data file {sorted(missing)[0]}")
+               for row, cid, (number, lens, adapted) in zip(count(1), identifiers(bodies, pairs),
+                                                            pairs)]
 
     output.unlink(missing_ok=True)
     database = sqlite3.connect(output, isolation_level=None)

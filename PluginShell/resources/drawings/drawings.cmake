@@ -4,21 +4,27 @@ find_package(Qt5 5.7 REQUIRED COMPONENTS Svg)
 set(drawings ${CMAKE_CURRENT_SOURCE_DIR}/drawings)
 file(GLOB drawing_scripts CONFIGURE_DEPENDS ${drawings}/*.py)
 
-# A tool of the build, not a part of what is under test.
-add_executable(rasterise drawings/rasterise.cpp)
-target_link_libraries(rasterise PRIVATE Qt5::Gui Qt5::Svg)
-set_target_properties(rasterise PROPERTIES COMPILE_OPTIONS "-O1" LINK_OPTIONS "" AUTOMOC OFF)
+# Tools of the build aren't what sanitizers look at.
+function(utilsdll_add_drawing_tool name)
+    add_executable(${name} drawings/${name}.cpp)
+    target_link_libraries(${name} PRIVATE Qt5::Gui Qt5::Svg)
+    get_target_property(options ${name} COMPILE_OPTIONS)
+    list(FILTER options EXCLUDE REGEX "-fsanitize")
+    set_target_properties(${name} PROPERTIES COMPILE_OPTIONS "${options}" LINK_OPTIONS "" AUTOMOC OFF)
+endfunction()
 
-add_custom_command(OUTPUT ${tree}/icons.stamp
+utilsdll_add_drawing_tool(rasterise)
+
+file(STRINGS vek.qrc icons REGEX "<file>icons/")
+list(TRANSFORM icons REPLACE " *<file>(.*)</file>" "${tree}/\\1")
+add_custom_command(OUTPUT ${icons}
     COMMAND ${UTILSDLL_PYTHON} ${drawings}/drawIcons.py --qrc ${tree}/vek.qrc --out ${tree}
     COMMAND rasterise ${tree}/rasterise.list
-    COMMAND ${CMAKE_COMMAND} -E touch ${tree}/icons.stamp
     DEPENDS ${drawing_scripts} ${tree}/vek.qrc rasterise
     COMMENT "Drawing the icons"
     VERBATIM)
-list(APPEND tree_files ${tree}/icons.stamp)
+list(APPEND tree_files ${icons})
 
 # Paints the sheet that contactSheet.py lays all icons out on, see tools/pictures.
-add_executable(paintSheet EXCLUDE_FROM_ALL drawings/paintSheet.cpp)
-target_link_libraries(paintSheet PRIVATE Qt5::Gui Qt5::Svg)
-set_target_properties(paintSheet PROPERTIES COMPILE_OPTIONS "-O1" LINK_OPTIONS "" AUTOMOC OFF)
+utilsdll_add_drawing_tool(paintSheet)
+set_target_properties(paintSheet PROPERTIES EXCLUDE_FROM_ALL ON)

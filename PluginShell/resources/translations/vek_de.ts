@@ -5,7 +5,7 @@
     <name>BusyBar</name>
     <message>
         <source>Stop</source>
-        <translation>Anhalten</translation>
+        <translation>Stoppen</translation>
     </message>
 </context>
 <context>
@@ -114,7 +114,7 @@
     </message>
     <message>
         <source>&amp;Handles</source>
-        <translation>&amp;Griffe</translation>
+        <translation>&amp;Anfasser</translation>
     </message>
     <message>
         <source>&amp;Help</source>
@@ -285,7 +285,7 @@ Version %2</translation>
     </message>
     <message>
         <source>Crop empty corners</source>
-        <translation>Leere Ecken beschneiden</translation>
+        <translation>Leere Ecken abschneiden</translation>
     </message>
     <message>
         <source>Show grid</source>

@@ -106,7 +106,7 @@
     </message>
     <message>
         <source>&amp;View</source>
-        <translation>&amp;Présentation</translation>
+        <translation>&amp;Affichage</translation>
     </message>
     <message>
         <source>&amp;Grid</source>

@@ -82,7 +82,7 @@
     </message>
     <message>
         <source>&amp;Export…</source>
-        <translation>書き出す(&amp;E)…</translation>
+        <translation>書き出し(&amp;E)…</translation>
     </message>
     <message>
         <source>&amp;Quit</source>
@@ -134,7 +134,7 @@
     </message>
     <message>
         <source>About</source>
-        <translation>情報</translation>
+        <translation>バージョン情報</translation>
     </message>
     <message>
         <source>No picture</source>
@@ -281,11 +281,11 @@ Version %2</source>
     </message>
     <message>
         <source>Keystone</source>
-        <translation>台形</translation>
+        <translation>台形補正</translation>
     </message>
     <message>
         <source>Crop empty corners</source>
-        <translation>空白の角を切り抜く</translation>
+        <translation>四隅の余白を切り落とす</translation>
     </message>
     <message>
         <source>Show grid</source>
@@ -297,7 +297,7 @@ Version %2</source>
     </message>
     <message>
         <source>Export…</source>
-        <translation>書き出す…</translation>
+        <translation>書き出し…</translation>
     </message>
     <message>
         <source>Close</source>
