@@ -487,9 +487,13 @@ void tst_HostLook::texts_of_dialogs_can_be_read()
                                      .arg(widget->objectName(), ink.name(), ground.name())
                                      .arg(contrast(ink, ground), 0, 'f', 2);
             // The main answers of message boxes have these colours by the product's design.
-            const bool isMainAnswer = qobject_cast<CMessageBox*>(dialog) && button
-                && ink == QColor(Qt::white) && ground == QColor(0x68, 0x8f, 0xa7);
-            QVERIFY2(isMainAnswer || contrast(ink, ground) >= 4.5, qPrintable(seen));
+            const auto* answer = qobject_cast<QPushButton*>(widget);
+            if (qobject_cast<CMessageBox*>(dialog) && answer && answer->isDefault()) {
+                QCOMPARE(ink, QColor(Qt::white));
+                QCOMPARE(ground, QColor(0x68, 0x8f, 0xa7));
+                continue;
+            }
+            QVERIFY2(contrast(ink, ground) >= 4.5, qPrintable(seen));
         }
         QVERIFY(read >= 2);
     });

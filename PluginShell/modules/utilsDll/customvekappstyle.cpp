@@ -85,7 +85,7 @@ Q_NEVER_INLINE int CustomVekAppStyle::pimpl::buttonShift(const CustomVekAppStyle
                                                          const QStyleOption* option,
                                                          const QWidget* widget) const
 {
-    const QString name = widget->objectName();
+    const QString name = widget ? widget->objectName() : QString();
     // The property counts by being there, even with the value false.
     if (!name.isEmpty()
         && (nonShiftedButtons.contains(name)
@@ -163,7 +163,7 @@ void CustomVekAppStyle::drawControl(ControlElement element, const QStyleOption* 
 int CustomVekAppStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
                                    const QWidget* widget) const
 {
-    if ((metric == PM_ButtonShiftHorizontal || metric == PM_ButtonShiftVertical) && widget)
+    if (Q_UNLIKELY(metric == PM_ButtonShiftHorizontal || metric == PM_ButtonShiftVertical))
         return m_pimpl->buttonShift(*this, metric, option, widget);
     return QProxyStyle::pixelMetric(metric, option, widget);
 }
