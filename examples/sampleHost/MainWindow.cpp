@@ -118,7 +118,7 @@ QIcon stateIcon(const char* name)
 QString nameInMessage(const QString& path)
 {
     constexpr int longest = 35;
-    const QString name = QFileInfo(path).fileName();
+    QString name = QFileInfo(path).fileName();
     if (name.size() <= longest)
         return name;
     return name.left(longest / 2) + QChar(0x2026) + name.right(longest / 2);

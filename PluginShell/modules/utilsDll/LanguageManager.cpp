@@ -107,8 +107,10 @@ void CLanguageManager::loadLanguages()
     createLanguageModel(names, numbers, files, abbreviations);
 }
 
+// NOLINTBEGIN(performance-unnecessary-value-param)
 void CLanguageManager::createLanguageModel(QStringList names, QStringList numbers,
                                            QStringList files, QStringList abbreviations)
+// NOLINTEND(performance-unnecessary-value-param)
 {
     // The abbreviations aren't compared, which is meant.
     if (isFilled(m_model) || names.size() != numbers.size() || names.size() != files.size())

@@ -82,11 +82,13 @@ void drawTiles(QPainter* painter, const QPixmap& pixmap, int end)
     const int width = pixmap.width();
     const auto shown = shownRange(*painter);
     // One more at both sides, as a smoothed tile reaches beyond its edge.
-    const double first = qMax(0.0, (std::floor(shown.first / width) - 1.0) * width);
-    const double last = qMin(double(end), shown.second + width);
-    double x = first;
-    for (int i = 0; i < mostTiles && x <= last; ++i, x += width)
-        painter->drawPixmap(int(x), 0, pixmap);
+    const int tiles = end / width;
+    const double first = qBound(0.0, std::floor(shown.first / width) - 1.0, double(tiles));
+    const double last = qBound(-1.0, shown.second + width, double(end)) / width;
+    const int firstTile = int(first);
+    const int lastTile = int(std::floor(last));
+    for (int i = firstTile; i <= lastTile && i - firstTile < mostTiles; ++i)
+        painter->drawPixmap(i * width, 0, pixmap);
 }
 
 } // namespace

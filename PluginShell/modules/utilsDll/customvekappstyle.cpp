@@ -85,12 +85,14 @@ Q_NEVER_INLINE int CustomVekAppStyle::pimpl::buttonShift(const CustomVekAppStyle
                                                          const QStyleOption* option,
                                                          const QWidget* widget) const
 {
-    const QString name = widget ? widget->objectName() : QString();
-    // The property counts by being there, even with the value false.
-    if (!name.isEmpty()
-        && (nonShiftedButtons.contains(name)
-            || widget->property("disableButtonShiftProperty").isValid()))
-        return 0;
+    if (widget) {
+        const QString name = widget->objectName();
+        // The property counts by being there, even with the value false.
+        if (!name.isEmpty()
+            && (nonShiftedButtons.contains(name)
+                || widget->property("disableButtonShiftProperty").isValid()))
+            return 0;
+    }
     return style.QProxyStyle::pixelMetric(metric, option, widget);
 }
 
@@ -128,7 +130,7 @@ void CustomVekAppStyle::onNonShiftedButtonDestroy(QObject* p)
 }
 
 void CustomVekAppStyle::onNonShiftedButtonObjectNameChanged(
-    QString strNewName) // clazy:exclude=function-args-by-value
+    QString strNewName) // NOLINT(performance-unnecessary-value-param)
 {
     const auto* widget = qobject_cast<QWidget const*>(sender());
     if (!widget)
