@@ -530,18 +530,20 @@ void tst_StyleSheetRules::coloursAreThoseOfThePalette()
         "#cecece", "#3f3f3f",
         // scroll bar of the crash reporter
         "#aaaaaa", "#888888"};
-    const QString text = textOf(name);
+    const Sheet sheet = scan(textOf(name));
     QStringList values;
-    for (const Rule& rule : scan(text).rules) {
+    for (const Rule& rule : sheet.rules) {
         for (const auto& declaration : rule.declarations)
             values.append(declaration.second);
     }
     const QString all = values.join(QLatin1Char('\n'));
-    for (const QString& colour : matches(all, "(#\\w+)")) {
+    const QStringList colours = matches(all, "(#\\w+)");
+    for (const QString& colour : colours) {
         QVERIFY2(std::find(std::begin(palette), std::end(palette), colour) != std::end(palette),
                  qPrintable(colour));
     }
-    for (const QString& function : matches(all, "\\b(\\w+)\\(")) {
+    const QStringList functions = matches(all, "\\b(\\w+)\\(");
+    for (const QString& function : functions) {
         QVERIFY2(function == QLatin1String("url") || function == QLatin1String("qlineargradient"),
                  qPrintable(function));
     }
@@ -550,8 +552,9 @@ void tst_StyleSheetRules::coloursAreThoseOfThePalette()
 void tst_StyleSheetRules::imagesExist()
 {
     QFETCH(QString, name);
+    const QStringList images = matches(textOf(name), "url\\(\"?([^\")]*)\"?\\)");
     QStringList missing;
-    for (const QString& image : matches(textOf(name), "url\\(\"?([^\")]*)\"?\\)")) {
+    for (const QString& image : images) {
         if (!QFile::exists(image))
             missing.append(image);
     }
@@ -566,7 +569,8 @@ void tst_StyleSheetRules::nothingIsSaidTwice()
     QFETCH(QString, name);
     QMap<QString, QString> said;
     QStringList lists;
-    for (const Rule& rule : scan(textOf(name)).rules) {
+    const Sheet sheet = scan(textOf(name));
+    for (const Rule& rule : sheet.rules) {
         QStringList selectors = rule.selectors;
         selectors.sort();
         const QString list = QString::number(rule.half) + selectors.join(QLatin1Char(','));

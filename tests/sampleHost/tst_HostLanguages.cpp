@@ -187,29 +187,34 @@ Texts textsOf(const QWidget* window)
             ++number;
         add(QStringLiteral("%1 %2").arg(name).arg(number), label->text());
     }
-    for (const QAbstractButton* button : ownWidgets<QAbstractButton>(window)) {
+    const auto buttons = ownWidgets<QAbstractButton>(window);
+    for (const QAbstractButton* button : buttons) {
         if (!qobject_cast<const QToolButton*>(button)) // which shows a picture only
             add(button->objectName(), button->text());
     }
-    for (const QComboBox* combo : ownWidgets<QComboBox>(window)) {
+    const auto combos = ownWidgets<QComboBox>(window);
+    for (const QComboBox* combo : combos) {
         add(combo->objectName() + QStringLiteral(", as it is read out"), combo->accessibleName());
         for (int i = 0; i < combo->count(); ++i) {
             add(QStringLiteral("%1, item %2").arg(combo->objectName()).arg(i + 1),
                 combo->itemText(i));
         }
     }
-    for (const QSlider* slider : ownWidgets<QSlider>(window))
+    const auto sliders = ownWidgets<QSlider>(window);
+    for (const QSlider* slider : sliders)
         add(slider->objectName() + QStringLiteral(", as it is read out"), slider->accessibleName());
-    for (const QLineEdit* edit : ownWidgets<QLineEdit>(window)) {
+    const auto edits = ownWidgets<QLineEdit>(window);
+    for (const QLineEdit* edit : edits) {
         add(edit->objectName() + QStringLiteral(", as it is read out"), edit->accessibleName());
         add(edit->objectName() + QStringLiteral(", while it is empty"), edit->placeholderText());
     }
-    for (const QAction* action :
-         window->findChildren<QAction*>(QString(), Qt::FindDirectChildrenOnly))
+    const auto actions = window->findChildren<QAction*>(QString(), Qt::FindDirectChildrenOnly);
+    for (const QAction* action : actions)
         add(action->objectName(), action->text());
     if (const auto* mainWindow = qobject_cast<const QMainWindow*>(window)) {
         int number = 0;
-        for (const QAction* menu : mainWindow->menuBar()->actions())
+        const auto menus = mainWindow->menuBar()->actions();
+        for (const QAction* menu : menus)
             add(QStringLiteral("menu %1").arg(++number), menu->text());
     } else {
         add(QStringLiteral("title of the window"), window->windowTitle());
@@ -249,14 +254,10 @@ public:
         : m_window(window)
         , m_mayBeElided(mayBeElided)
     {
-        for (const QLabel* label : visible<QLabel>())
-            check(label);
-        for (const QAbstractButton* button : visible<QAbstractButton>())
-            check(button);
-        for (const QComboBox* combo : visible<QComboBox>())
-            check(combo);
-        for (const QLineEdit* edit : visible<QLineEdit>())
-            check(edit);
+        checkVisible<QLabel>();
+        checkVisible<QAbstractButton>();
+        checkVisible<QComboBox>();
+        checkVisible<QLineEdit>();
         checkPlaces();
     }
 
@@ -265,13 +266,13 @@ public:
 
 private:
     template <typename Widget>
-    QList<Widget*> visible() const
+    void checkVisible()
     {
-        QList<Widget*> widgets = ownWidgets<Widget>(m_window);
-        widgets.erase(std::remove_if(widgets.begin(), widgets.end(),
-                                     [](const Widget* widget) { return !widget->isVisible(); }),
-                      widgets.end());
-        return widgets;
+        const auto widgets = ownWidgets<Widget>(m_window);
+        for (const Widget* widget : widgets) {
+            if (widget->isVisible())
+                check(widget);
+        }
     }
 
     void require(const QWidget* widget, const QString& text, const QSize& need, const QSize& room)
@@ -672,17 +673,18 @@ void tst_HostLanguages::numbers_follow_the_language()
 void tst_HostLanguages::the_size_of_the_picture_follows_the_language_data()
 {
     QTest::addColumn<int>("language");
-    QTest::addColumn<QString>("pattern"); // the display's resolution is its own
-    QTest::newRow("German") << int(German) << "^0,\\d\\d x 0,\\d\\d in$";
-    QTest::newRow("English") << int(English) << "^0\\.\\d\\d x 0\\.\\d\\d in$";
-    QTest::newRow("French") << int(French) << "^0,\\d\\d x 0,\\d\\d in$";
-    QTest::newRow("Japanese") << int(Japanese) << "^0\\.\\d\\d x 0\\.\\d\\d in$";
+    QTest::addColumn<QRegularExpression>("pattern"); // the display's resolution is its own
+    QTest::newRow("German") << int(German) << QRegularExpression("^0,\\d\\d x 0,\\d\\d in$");
+    QTest::newRow("English") << int(English) << QRegularExpression("^0\\.\\d\\d x 0\\.\\d\\d in$");
+    QTest::newRow("French") << int(French) << QRegularExpression("^0,\\d\\d x 0,\\d\\d in$");
+    QTest::newRow("Japanese") << int(Japanese)
+                              << QRegularExpression("^0\\.\\d\\d x 0\\.\\d\\d in$");
 }
 
 void tst_HostLanguages::the_size_of_the_picture_follows_the_language()
 {
     QFETCH(int, language);
-    QFETCH(QString, pattern);
+    QFETCH(QRegularExpression, pattern);
     inPreferences([&](QDialog* preferences) {
         choose(preferences, Language(language));
         preferences->findChild<QComboBox*>(QStringLiteral("unitsCombo"))->setCurrentIndex(1);
@@ -690,7 +692,7 @@ void tst_HostLanguages::the_size_of_the_picture_follows_the_language()
     });
     const QString text = child<QLabel>("imageSizeLabel")->text();
     CSettings().remove(g_ImageSizeUnits);
-    QVERIFY2(QRegularExpression(pattern).match(text).hasMatch(), qPrintable(text));
+    QVERIFY2(pattern.match(text).hasMatch(), qPrintable(text));
 }
 
 void tst_HostLanguages::what_is_being_done_changes_at_once_data()
@@ -885,7 +887,8 @@ void tst_HostLanguages::the_message_boxes()
     QList<QStringList> shown;
     DialogWatcher watcher([&shown](QDialog* dialog) {
         QStringList texts(dialog->findChild<QLabel*>(QStringLiteral("textLabel"))->text());
-        for (const QPushButton* button : ownWidgets<QPushButton>(dialog))
+        const auto buttons = ownWidgets<QPushButton>(dialog);
+        for (const QPushButton* button : buttons)
             texts << button->text();
         shown << texts;
     });

@@ -147,7 +147,8 @@ int differentPixels(const QImage& a, const QImage& b)
 QList<QWidget*> controlsOf(const QWidget* window)
 {
     QList<QWidget*> controls;
-    for (QWidget* widget : window->findChildren<QWidget*>()) {
+    const auto widgets = window->findChildren<QWidget*>();
+    for (QWidget* widget : widgets) {
         const bool isControl = qobject_cast<QAbstractButton*>(widget)
             || qobject_cast<QAbstractSlider*>(widget) || qobject_cast<QLineEdit*>(widget)
             || qobject_cast<QComboBox*>(widget);
@@ -332,7 +333,8 @@ void tst_HostLook::cleanupTestCase()
 QList<QRect> tst_HostLook::places(const char* name) const
 {
     QList<QRect> found;
-    for (const QWidget* widget : m_window->findChildren<QWidget*>(QLatin1String(name)))
+    const auto widgets = m_window->findChildren<QWidget*>(QLatin1String(name));
+    for (const QWidget* widget : widgets)
         found << place(widget);
     std::sort(found.begin(), found.end(),
               [](const QRect& a, const QRect& b) { return a.y() < b.y(); });
@@ -398,7 +400,8 @@ void tst_HostLook::no_text_of_the_window_is_left_out()
 {
     child<BusyBar>("busyBar")->show();
     QStringList texts;
-    for (const QWidget* widget : m_window->findChildren<QWidget*>()) {
+    const auto widgets = m_window->findChildren<QWidget*>();
+    for (const QWidget* widget : widgets) {
         const auto* label = qobject_cast<const QLabel*>(widget);
         const auto* button = qobject_cast<const QAbstractButton*>(widget);
         const bool hasText = (label && !label->text().isEmpty())
@@ -419,8 +422,9 @@ void tst_HostLook::no_text_of_the_window_is_left_out()
 void tst_HostLook::the_menu_bar_can_be_read()
 {
     const QMenuBar* bar = m_window->menuBar();
-    QCOMPARE(bar->actions().size(), 4);
-    for (QAction* action : bar->actions()) {
+    const auto actions = bar->actions();
+    QCOMPARE(actions.size(), 4);
+    for (QAction* action : actions) {
         const QImage image = painted(bar, bar->actionGeometry(action).adjusted(1, 1, -1, -1));
         const QColor ground = groundOf(image);
         const QColor ink = inkOf(image, ground);
@@ -470,7 +474,8 @@ void tst_HostLook::texts_of_dialogs_can_be_read()
     inDialog(show, [](QDialog* dialog) {
         // The focus somewhere else than on what is looked at, as far as there is anything else.
         int read = 0;
-        for (QWidget* widget : dialog->findChildren<QWidget*>()) {
+        const auto widgets = dialog->findChildren<QWidget*>();
+        for (QWidget* widget : widgets) {
             const auto* label = qobject_cast<QLabel*>(widget);
             const auto* button = qobject_cast<QAbstractButton*>(widget);
             const bool hasText = (label && !label->text().isEmpty())
@@ -603,7 +608,8 @@ void tst_HostLook::hover_can_be_seen_in_dialogs()
 {
     QFETCH(ShowDialog, show);
     inDialog(show, [](QDialog* dialog) {
-        for (QAbstractButton* button : dialog->findChildren<QAbstractButton*>()) {
+        const auto buttons = dialog->findChildren<QAbstractButton*>();
+        for (QAbstractButton* button : buttons) {
             if (!button->isVisible())
                 continue;
             dialog->setFocus(); // a button with the focus may look as one under the mouse
@@ -827,13 +833,15 @@ void tst_HostLook::the_tool_panel_stands_in_line()
     for (const char* name :
          {"sectionLabel", "titleEdit", "sliderIcon", "horizonSlider", "distortionSlider",
           "keystoneSlider", "autoCropCheckBox", "gridCheckBox", "saveButton", "exportButton"}) {
-        for (const QRect& rect : places(name))
+        const QList<QRect> rects = places(name);
+        for (const QRect& rect : rects)
             QVERIFY2(rect.left() == left,
                      qPrintable(QStringLiteral("%1: %2").arg(name).arg(rect.left() - left)));
     }
     for (const char* name : {"titleEdit", "amountLabel", "horizonSlider", "distortionSlider",
                              "keystoneSlider", "resetButton", "saveButton", "closeButton"}) {
-        for (const QRect& rect : places(name))
+        const QList<QRect> rects = places(name);
+        for (const QRect& rect : rects)
             QVERIFY2(rect.right() == right,
                      qPrintable(QStringLiteral("%1: %2").arg(name).arg(rect.right() - right)));
     }
@@ -857,10 +865,12 @@ void tst_HostLook::the_tool_panel_stands_in_line()
     QCOMPARE(sliders[1].size(), sliders[0].size());
 
     // An icon, its name and its amount are on one line.
+    const QList<QRect> icons = places("sliderIcon");
+    const QList<QRect> amounts = places("amountLabel");
     for (int i = 0; i < 3; ++i) {
         const int middle = labels[i].center().y();
-        QVERIFY(qAbs(places("sliderIcon")[i].center().y() - middle) <= 1);
-        QVERIFY(qAbs(places("amountLabel")[i].center().y() - middle) <= 1);
+        QVERIFY(qAbs(icons[i].center().y() - middle) <= 1);
+        QVERIFY(qAbs(amounts[i].center().y() - middle) <= 1);
     }
 }
 

@@ -18,11 +18,14 @@
 #include <QIcon>
 #include <QImage>
 #include <QLabel>
+#include <QMainWindow>
 #include <QProxyStyle>
 #include <QRegularExpression>
 #include <QResource>
 #include <QTemporaryDir>
 #include <QTextCodec>
+#include <QToolBar>
+#include <QToolButton>
 #include <QVBoxLayout>
 #include <QtTest>
 
@@ -194,6 +197,8 @@ private Q_SLOTS:
     void aChangedPropertyIsSeen();
     void aWidgetIsUnpolishedAndPolishedAndPainted();
     void aHiddenWidgetIsPolishedToo();
+    void aToolBarPointsToWhatItHides_data();
+    void aToolBarPointsToWhatItHides();
 
 private:
     const QTemporaryDir m_folder;
@@ -662,6 +667,68 @@ void tst_AppLook::aHiddenWidgetIsPolishedToo()
     reapplyWidgetQss(widget);
     QCOMPARE(style.calls, QStringList({"unpolish widget", "polish widget"}));
     QVERIFY(!widget.isVisible());
+}
+
+/// What is brighter than the ground in a part of a picture.
+QRect inkIn(const QImage& image, const QRect& part)
+{
+    QRegion ink;
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        for (int x = part.left(); x <= part.right(); ++x) {
+            if (image.pixelColor(x, y).lightness() > 60)
+                ink += QRect(x, y, 1, 1);
+        }
+    }
+    return ink.boundingRect();
+}
+
+void tst_AppLook::aToolBarPointsToWhatItHides_data()
+{
+    QTest::addColumn<Qt::ToolBarArea>("area");
+    QTest::addColumn<Qt::LayoutDirection>("direction");
+    QTest::addColumn<QPoint>("way"); // the signs of the way from the arrow's ends to its tip
+    QTest::newRow("to the right") << Qt::TopToolBarArea << Qt::LeftToRight << QPoint(1, 0);
+    QTest::newRow("to the left") << Qt::TopToolBarArea << Qt::RightToLeft << QPoint(-1, 0);
+    QTest::newRow("downwards") << Qt::LeftToolBarArea << Qt::LeftToRight << QPoint(0, 1);
+    QTest::newRow("downwards from the right")
+        << Qt::RightToolBarArea << Qt::RightToLeft << QPoint(0, 1);
+}
+
+void tst_AppLook::aToolBarPointsToWhatItHides()
+{
+    QFETCH(Qt::ToolBarArea, area);
+    QFETCH(Qt::LayoutDirection, direction);
+    QFETCH(QPoint, way);
+    setPredefinedAppStyleSheet(QString(), qApp);
+    QMainWindow window;
+    window.setLayoutDirection(direction);
+    auto* toolBar = new QToolBar(&window);
+    for (int i = 0; i < 40; ++i)
+        toolBar->addAction(QStringLiteral("More"));
+    window.addToolBar(area, toolBar);
+    window.resize(200, 200);
+    window.show();
+
+    auto* extension = toolBar->findChild<QToolButton*>(QStringLiteral("qt_toolbar_ext_button"));
+    QVERIFY(extension);
+    QTRY_VERIFY(extension->isVisible());
+    const bool isHorizontal = way.y() == 0;
+    const auto seen = [&] {
+        const QImage image =
+            window.grab(QRect(extension->mapTo(&window, QPoint()), extension->size())).toImage();
+        const QRect arrow = inkIn(image, image.rect());
+        const QRect across(arrow.left(), arrow.center().y() - 1, arrow.width(), 3);
+        const QRect along(arrow.center().x() - 1, arrow.top(), 3, arrow.height());
+        const QRect firstRow(arrow.topLeft(), QSize(arrow.width(), 1));
+        const QRect firstColumn(arrow.topLeft(), QSize(1, arrow.height()));
+        const QPoint tip = inkIn(image, isHorizontal ? across : along).center();
+        const QPoint end = inkIn(image, isHorizontal ? firstRow : firstColumn).center();
+        return tip - end;
+    };
+    if (isHorizontal)
+        QTRY_VERIFY2(seen().x() * way.x() > 1, qPrintable(QString::number(seen().x())));
+    else
+        QTRY_VERIFY2(seen().y() * way.y() > 1, qPrintable(QString::number(seen().y())));
 }
 
 QTEST_MAIN(tst_AppLook)

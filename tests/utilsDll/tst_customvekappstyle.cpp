@@ -93,6 +93,8 @@ Q_DECLARE_METATYPE(Qt::MouseButton)
 Q_DECLARE_METATYPE(QStyle::StyleHint)
 Q_DECLARE_METATYPE(QStyle::PrimitiveElement)
 
+// clazy:excludeall=non-pod-global-static,qproperty-without-notify
+
 namespace {
 
 const char optOutProperty[] = "disableButtonShiftProperty";
