@@ -182,6 +182,11 @@ MainWindow::MainWindow(QWidget* parent)
     updateState();
 }
 
+MainWindow::~MainWindow()
+{
+    m_handles->letGo(); // hidden later, they would tell a window that is half gone
+}
+
 QFrame* MainWindow::createHeader()
 {
     m_openButton = named<QPushButton>("openButton");

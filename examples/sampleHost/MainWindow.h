@@ -28,6 +28,7 @@ class MainWindow : public QMainWindow
 
 public:
     explicit MainWindow(QWidget* parent = nullptr);
+    ~MainWindow() override;
 
     /// Shows the picture and asks nothing. False, with a notice in its place, if it can't be read.
     bool openPicture(const QString& path);
