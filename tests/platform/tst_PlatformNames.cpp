@@ -61,6 +61,8 @@ const std::vector<Exception>& exceptions()
         in("PluginShell/modules/scripting/ScriptingChecks.cpp", R"("mac_os_x")"),
         // The style sheet's name in the resources.
         in("PluginShell/modules/utilsDll", R"(:/qss/(mac|extra-mac-%1)\.qss\b)"),
+        // The key of a text in the catalogues.
+        in("PluginShell/modules/utilsDll/ErrStrings.cpp", R"("Mac free space drive message")"),
         // Qt's name for the style that ours is based on.
         in("PluginShell/modules/utilsDll", R"("Windows")"),
         // A bundle's folder for executables.
@@ -184,6 +186,7 @@ void tst_PlatformNames::allowedLines_data()
         "    return QStringLiteral(\"mac_os_x\");");
     row("PluginShell/modules/platform/SystemInformation.cpp",
         "        return QStringLiteral(\"Mac OS X 10.6\");");
+    row("PluginShell/modules/utilsDll/ErrStrings.cpp", "tr(\"Mac free space drive message\");");
     row("PluginShell/modules/utilsDll/SharedUtils.cpp", "load(QStringLiteral(\":/qss/mac.qss\"));");
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Archives.h"
+#include "FileHelpers.h"
 #include "LoggerBootstrap.h"
 #include "UtilsDllGlobal.h"
 
@@ -7,6 +9,7 @@
 #include <QStringList>
 
 class QApplication;
+class QSize;
 
 namespace VEK_NAMESPACE {
 
@@ -74,4 +77,24 @@ UTILSDLL_EXPORT void loadFonts();
 
 /// @}
 
+/// \name Numbers for people
+/// Unit words in the user's language.
+/// @{
+
+/// An image size given in pixels, such as "1024 x 768 px", in the unit of the setting
+/// g_ImageSizeUnits: 0 pixels, 1 inches, 2 centimetres, 3 millimetres, as large as the image is on
+/// the main screen at its natural size. Pixels, too, if that screen doesn't tell how large it is.
+/// An unknown unit logs two assertions and gives the pixels without a word. GUI thread.
+UTILSDLL_EXPORT QString sizeToString(QSize const& size);
+
+/// Such as "1.5MB": bytes up to 1024, kilobytes up to 1048576, then megabytes. Any thread.
+UTILSDLL_EXPORT QString fileSizeToString(long long bytes);
+
+/// @}
+
 } // namespace VEK_NAMESPACE
+
+/// \a value rounded to \a precision decimal places, by way of its product with a power of ten; a
+/// tie goes up, also below zero. A value that has no more places comes back bit for bit. A negative
+/// precision counts as 0. Any thread.
+UTILSDLL_EXPORT double roundWithPrecision(double value, int precision);

@@ -9,6 +9,21 @@
     </message>
 </context>
 <context>
+    <name>CAboutDlg</name>
+    <message>
+        <source>Version</source>
+        <translation>Version</translation>
+    </message>
+    <message>
+        <source>Build</source>
+        <translation>Build</translation>
+    </message>
+    <message>
+        <source>64 bit</source>
+        <translation>64 Bit</translation>
+    </message>
+</context>
+<context>
     <name>CLanguageManager</name>
     <message>
         <source>language name</source>
@@ -254,6 +269,58 @@ Version %2</translation>
     </message>
 </context>
 <context>
+    <name>QObject</name>
+    <message>
+        <source>Error</source>
+        <translation>Fehler</translation>
+    </message>
+    <message>
+        <source>Mac free space drive message</source>
+        <translation>Vek Marlowick 3 kann nicht starten, da auf Ihrem Systemlaufwerk nicht genügend freier Speicherplatz vorhanden ist.</translation>
+    </message>
+    <message>
+        <source>Out of memory. Program will be closed.</source>
+        <translation>Vek Marlowick 3 muss beendet werden, da nicht genügend Arbeitsspeicher verfügbar ist.
+Bitte schließen Sie einige andere Programme und versuchen Sie, Vek Marlowick 3 erneut zu starten.</translation>
+    </message>
+    <message>
+        <source>%1 has run out of memory. The application may now become unstable. Please close %2 and Photoshop, quit all other programs running, and try again.</source>
+        <translation>%1 hat keinen freien Arbeitsspeicher mehr. Das Programm kann jetzt instabil werden. Bitte schließen Sie %2 und Photoshop, beenden Sie alle anderen laufenden Programme und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>Unhandled exception. Program will be closed.</source>
+        <translation>Vek Marlowick 3 muss wegen eines unbehandelten Ausnahmefehlers beendet werden.</translation>
+    </message>
+    <message>
+        <source>px</source>
+        <translation>px</translation>
+    </message>
+    <message>
+        <source>in</source>
+        <translation>Zoll</translation>
+    </message>
+    <message>
+        <source>cm</source>
+        <translation>cm</translation>
+    </message>
+    <message>
+        <source>mm</source>
+        <translation>mm</translation>
+    </message>
+    <message>
+        <source>B</source>
+        <translation>B</translation>
+    </message>
+    <message>
+        <source>KB</source>
+        <translation>KB</translation>
+    </message>
+    <message>
+        <source>MB</source>
+        <translation>MB</translation>
+    </message>
+</context>
+<context>
     <name>ToolPanel</name>
     <message>
         <source>Title</source>
@@ -302,6 +369,33 @@ Version %2</translation>
     <message>
         <source>Close</source>
         <translation>Schließen</translation>
+    </message>
+</context>
+<context>
+    <name>aboutDlg</name>
+    <message>
+        <source>About %1</source>
+        <translation>Über %1</translation>
+    </message>
+    <message>
+        <source>Copyright © Vek Labs. All rights reserved.</source>
+        <translation>Copyright © Vek Labs. Alle Rechte vorbehalten.</translation>
+    </message>
+    <message>
+        <source>Straight lines, true shapes</source>
+        <translation>Gerade Linien, wahre Formen</translation>
+    </message>
+    <message>
+        <source>Vek Marlowick 3</source>
+        <translation>Vek Marlowick 3</translation>
+    </message>
+    <message>
+        <source>&lt;a href=&quot;%1&quot;&gt;&lt;span style=&quot;text-decoration: underline; color:#747474;&quot;&gt;Visit the Vek home page&lt;/span&gt;&lt;/a&gt;</source>
+        <translation>&lt;a href=&quot;%1&quot;&gt;&lt;span style=&quot;text-decoration: underline; color:#747474;&quot;&gt;Vek im Internet&lt;/span&gt;&lt;/a&gt;</translation>
+    </message>
+    <message>
+        <source>%1 and the logos of %1 are trademarks of Vek Labs. This program is protected by copyright law and by international treaties; copying or passing on all or part of it without permission isn&apos;t allowed.&lt;br&gt;&lt;br&gt;It contains software, fonts and data made by others. Their notices follow.&lt;br&gt;&lt;br&gt;</source>
+        <translation>%1 und die Logos von %1 sind Marken von Vek Labs. Dieses Programm ist durch das Urheberrecht und durch internationale Verträge geschützt; es darf ohne Erlaubnis weder ganz noch in Teilen kopiert oder weitergegeben werden.&lt;br&gt;&lt;br&gt;Es enthält Software, Schriften und Daten von anderen. Deren Hinweise folgen.&lt;br&gt;&lt;br&gt;</translation>
     </message>
 </context>
 </TS>

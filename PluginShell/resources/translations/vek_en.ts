@@ -9,6 +9,21 @@
     </message>
 </context>
 <context>
+    <name>CAboutDlg</name>
+    <message>
+        <source>Version</source>
+        <translation>Version</translation>
+    </message>
+    <message>
+        <source>Build</source>
+        <translation>Build</translation>
+    </message>
+    <message>
+        <source>64 bit</source>
+        <translation>64 bit</translation>
+    </message>
+</context>
+<context>
     <name>CLanguageManager</name>
     <message>
         <source>language name</source>
@@ -254,6 +269,58 @@ Version %2</translation>
     </message>
 </context>
 <context>
+    <name>QObject</name>
+    <message>
+        <source>Error</source>
+        <translation>Error</translation>
+    </message>
+    <message>
+        <source>Mac free space drive message</source>
+        <translation>Vek Marlowick 3 cannot start since there is not enough free space on your system disk.</translation>
+    </message>
+    <message>
+        <source>Out of memory. Program will be closed.</source>
+        <translation>Vek Marlowick 3 must close because there is not enough memory available.
+Please close some other programs and try to start Vek Marlowick 3 again.</translation>
+    </message>
+    <message>
+        <source>%1 has run out of memory. The application may now become unstable. Please close %2 and Photoshop, quit all other programs running, and try again.</source>
+        <translation>%1 has run out of memory. The application may now become unstable. Please close %2 and Photoshop, quit all other programs running, and try again.</translation>
+    </message>
+    <message>
+        <source>Unhandled exception. Program will be closed.</source>
+        <translation>Vek Marlowick 3 must close because of an unhandled exception.</translation>
+    </message>
+    <message>
+        <source>px</source>
+        <translation>px</translation>
+    </message>
+    <message>
+        <source>in</source>
+        <translation>in</translation>
+    </message>
+    <message>
+        <source>cm</source>
+        <translation>cm</translation>
+    </message>
+    <message>
+        <source>mm</source>
+        <translation>mm</translation>
+    </message>
+    <message>
+        <source>B</source>
+        <translation>B</translation>
+    </message>
+    <message>
+        <source>KB</source>
+        <translation>KB</translation>
+    </message>
+    <message>
+        <source>MB</source>
+        <translation>MB</translation>
+    </message>
+</context>
+<context>
     <name>ToolPanel</name>
     <message>
         <source>Title</source>
@@ -302,6 +369,33 @@ Version %2</translation>
     <message>
         <source>Close</source>
         <translation>Close</translation>
+    </message>
+</context>
+<context>
+    <name>aboutDlg</name>
+    <message>
+        <source>About %1</source>
+        <translation>About %1</translation>
+    </message>
+    <message>
+        <source>Copyright © Vek Labs. All rights reserved.</source>
+        <translation>Copyright © Vek Labs. All rights reserved.</translation>
+    </message>
+    <message>
+        <source>Straight lines, true shapes</source>
+        <translation>Straight lines, true shapes</translation>
+    </message>
+    <message>
+        <source>Vek Marlowick 3</source>
+        <translation>Vek Marlowick 3</translation>
+    </message>
+    <message>
+        <source>&lt;a href=&quot;%1&quot;&gt;&lt;span style=&quot;text-decoration: underline; color:#747474;&quot;&gt;Visit the Vek home page&lt;/span&gt;&lt;/a&gt;</source>
+        <translation>&lt;a href=&quot;%1&quot;&gt;&lt;span style=&quot;text-decoration: underline; color:#747474;&quot;&gt;Visit the Vek home page&lt;/span&gt;&lt;/a&gt;</translation>
+    </message>
+    <message>
+        <source>%1 and the logos of %1 are trademarks of Vek Labs. This program is protected by copyright law and by international treaties; copying or passing on all or part of it without permission isn&apos;t allowed.&lt;br&gt;&lt;br&gt;It contains software, fonts and data made by others. Their notices follow.&lt;br&gt;&lt;br&gt;</source>
+        <translation>%1 and the logos of %1 are trademarks of Vek Labs. This program is protected by copyright law and by international treaties; copying or passing on all or part of it without permission isn&apos;t allowed.&lt;br&gt;&lt;br&gt;It contains software, fonts and data made by others. Their notices follow.&lt;br&gt;&lt;br&gt;</translation>
     </message>
 </context>
 </TS>

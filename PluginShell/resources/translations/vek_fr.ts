@@ -9,6 +9,21 @@
     </message>
 </context>
 <context>
+    <name>CAboutDlg</name>
+    <message>
+        <source>Version</source>
+        <translation>Version</translation>
+    </message>
+    <message>
+        <source>Build</source>
+        <translation>Build</translation>
+    </message>
+    <message>
+        <source>64 bit</source>
+        <translation>64 bits</translation>
+    </message>
+</context>
+<context>
     <name>CLanguageManager</name>
     <message>
         <source>language name</source>
@@ -254,6 +269,58 @@ Version %2</translation>
     </message>
 </context>
 <context>
+    <name>QObject</name>
+    <message>
+        <source>Error</source>
+        <translation>Erreur</translation>
+    </message>
+    <message>
+        <source>Mac free space drive message</source>
+        <translation>Vek Marlowick 3 ne peut pas démarrer, car l’espace libre sur votre disque système est insuffisant.</translation>
+    </message>
+    <message>
+        <source>Out of memory. Program will be closed.</source>
+        <translation>Vek Marlowick 3 doit se fermer, car la mémoire disponible est insuffisante.
+Veuillez fermer d’autres programmes et essayer de relancer Vek Marlowick 3.</translation>
+    </message>
+    <message>
+        <source>%1 has run out of memory. The application may now become unstable. Please close %2 and Photoshop, quit all other programs running, and try again.</source>
+        <translation>%1 n’a plus de mémoire disponible. L’application peut maintenant devenir instable. Veuillez fermer %2 et Photoshop, quitter tous les autres programmes en cours, puis réessayer.</translation>
+    </message>
+    <message>
+        <source>Unhandled exception. Program will be closed.</source>
+        <translation>Vek Marlowick 3 doit se fermer à cause d’une exception non gérée.</translation>
+    </message>
+    <message>
+        <source>px</source>
+        <translation>px</translation>
+    </message>
+    <message>
+        <source>in</source>
+        <translation>po</translation>
+    </message>
+    <message>
+        <source>cm</source>
+        <translation>cm</translation>
+    </message>
+    <message>
+        <source>mm</source>
+        <translation>mm</translation>
+    </message>
+    <message>
+        <source>B</source>
+        <translation>o</translation>
+    </message>
+    <message>
+        <source>KB</source>
+        <translation>Ko</translation>
+    </message>
+    <message>
+        <source>MB</source>
+        <translation>Mo</translation>
+    </message>
+</context>
+<context>
     <name>ToolPanel</name>
     <message>
         <source>Title</source>
@@ -302,6 +369,33 @@ Version %2</translation>
     <message>
         <source>Close</source>
         <translation>Fermer</translation>
+    </message>
+</context>
+<context>
+    <name>aboutDlg</name>
+    <message>
+        <source>About %1</source>
+        <translation>À propos de %1</translation>
+    </message>
+    <message>
+        <source>Copyright © Vek Labs. All rights reserved.</source>
+        <translation>Copyright © Vek Labs. Tous droits réservés.</translation>
+    </message>
+    <message>
+        <source>Straight lines, true shapes</source>
+        <translation>Lignes droites, formes justes</translation>
+    </message>
+    <message>
+        <source>Vek Marlowick 3</source>
+        <translation>Vek Marlowick 3</translation>
+    </message>
+    <message>
+        <source>&lt;a href=&quot;%1&quot;&gt;&lt;span style=&quot;text-decoration: underline; color:#747474;&quot;&gt;Visit the Vek home page&lt;/span&gt;&lt;/a&gt;</source>
+        <translation>&lt;a href=&quot;%1&quot;&gt;&lt;span style=&quot;text-decoration: underline; color:#747474;&quot;&gt;Visiter le site de Vek&lt;/span&gt;&lt;/a&gt;</translation>
+    </message>
+    <message>
+        <source>%1 and the logos of %1 are trademarks of Vek Labs. This program is protected by copyright law and by international treaties; copying or passing on all or part of it without permission isn&apos;t allowed.&lt;br&gt;&lt;br&gt;It contains software, fonts and data made by others. Their notices follow.&lt;br&gt;&lt;br&gt;</source>
+        <translation>%1 et les logos de %1 sont des marques de Vek Labs. Ce programme est protégé par le droit d’auteur et par des traités internationaux ; il est interdit de le copier ou de le transmettre, en tout ou en partie, sans autorisation.&lt;br&gt;&lt;br&gt;Il contient des logiciels, des polices et des données d’autres auteurs. Leurs mentions suivent.&lt;br&gt;&lt;br&gt;</translation>
     </message>
 </context>
 </TS>

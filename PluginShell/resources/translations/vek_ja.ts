@@ -9,6 +9,21 @@
     </message>
 </context>
 <context>
+    <name>CAboutDlg</name>
+    <message>
+        <source>Version</source>
+        <translation>バージョン</translation>
+    </message>
+    <message>
+        <source>Build</source>
+        <translation>ビルド</translation>
+    </message>
+    <message>
+        <source>64 bit</source>
+        <translation>64 ビット</translation>
+    </message>
+</context>
+<context>
     <name>CLanguageManager</name>
     <message>
         <source>language name</source>
@@ -254,6 +269,58 @@ Version %2</source>
     </message>
 </context>
 <context>
+    <name>QObject</name>
+    <message>
+        <source>Error</source>
+        <translation>エラー</translation>
+    </message>
+    <message>
+        <source>Mac free space drive message</source>
+        <translation>システムディスクの空き容量が不足しているため、Vek Marlowick 3 を起動できません。</translation>
+    </message>
+    <message>
+        <source>Out of memory. Program will be closed.</source>
+        <translation>使用可能なメモリが不足しているため、Vek Marlowick 3 を終了します。
+ほかのプログラムをいくつか終了してから、Vek Marlowick 3 をもう一度起動してください。</translation>
+    </message>
+    <message>
+        <source>%1 has run out of memory. The application may now become unstable. Please close %2 and Photoshop, quit all other programs running, and try again.</source>
+        <translation>%1 のメモリが不足しています。アプリケーションが不安定になる可能性があります。%2 と Photoshop を閉じ、実行中のほかのプログラムをすべて終了してから、もう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>Unhandled exception. Program will be closed.</source>
+        <translation>処理されない例外が発生したため、Vek Marlowick 3 を終了します。</translation>
+    </message>
+    <message>
+        <source>px</source>
+        <translation>px</translation>
+    </message>
+    <message>
+        <source>in</source>
+        <translation>インチ</translation>
+    </message>
+    <message>
+        <source>cm</source>
+        <translation>cm</translation>
+    </message>
+    <message>
+        <source>mm</source>
+        <translation>mm</translation>
+    </message>
+    <message>
+        <source>B</source>
+        <translation>B</translation>
+    </message>
+    <message>
+        <source>KB</source>
+        <translation>KB</translation>
+    </message>
+    <message>
+        <source>MB</source>
+        <translation>MB</translation>
+    </message>
+</context>
+<context>
     <name>ToolPanel</name>
     <message>
         <source>Title</source>
@@ -302,6 +369,33 @@ Version %2</source>
     <message>
         <source>Close</source>
         <translation>閉じる</translation>
+    </message>
+</context>
+<context>
+    <name>aboutDlg</name>
+    <message>
+        <source>About %1</source>
+        <translation>%1 について</translation>
+    </message>
+    <message>
+        <source>Copyright © Vek Labs. All rights reserved.</source>
+        <translation>Copyright © Vek Labs. All rights reserved.</translation>
+    </message>
+    <message>
+        <source>Straight lines, true shapes</source>
+        <translation>まっすぐな線、正しい形</translation>
+    </message>
+    <message>
+        <source>Vek Marlowick 3</source>
+        <translation>Vek Marlowick 3</translation>
+    </message>
+    <message>
+        <source>&lt;a href=&quot;%1&quot;&gt;&lt;span style=&quot;text-decoration: underline; color:#747474;&quot;&gt;Visit the Vek home page&lt;/span&gt;&lt;/a&gt;</source>
+        <translation>&lt;a href=&quot;%1&quot;&gt;&lt;span style=&quot;text-decoration: underline; color:#747474;&quot;&gt;Vek のホームページへ&lt;/span&gt;&lt;/a&gt;</translation>
+    </message>
+    <message>
+        <source>%1 and the logos of %1 are trademarks of Vek Labs. This program is protected by copyright law and by international treaties; copying or passing on all or part of it without permission isn&apos;t allowed.&lt;br&gt;&lt;br&gt;It contains software, fonts and data made by others. Their notices follow.&lt;br&gt;&lt;br&gt;</source>
+        <translation>%1 および %1 のロゴは Vek Labs の商標です。このプログラムは著作権法および国際条約によって保護されています。許可なく全部または一部を複製、配布することはできません。&lt;br&gt;&lt;br&gt;本製品には、第三者が作成したソフトウェア、フォント、データが含まれています。それぞれの著作権表示を以下に示します。&lt;br&gt;&lt;br&gt;</translation>
     </message>
 </context>
 </TS>

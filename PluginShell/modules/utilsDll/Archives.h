@@ -1,0 +1,101 @@
+#pragma once
+
+#include "UtilsDllGlobal.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <string>
+
+/// \file
+/// ZIP archives. Any thread, as long as two calls don't work on the same files.
+
+/// Extracts all entries into \a destination and tells whether each of them succeeded; it goes on
+/// after a failure. Existing files are replaced, folders are made, stored permissions are applied.
+/// An entry that can't be copied leaves no file behind; one that can't get its permissions fails
+/// and stays. A folder entry is made and counts as failed, which is meant, and so does an archive
+/// without entries. A symbolic link comes out as a file with its target as the content.
+///
+/// \warning Stored names are taken as they stand: an entry called "../x", or "/x", or one below a
+/// link that is in the destination already, is written outside the destination. Use
+/// ExtractArchive() for archives that come from elsewhere.
+extern "C" UTILSDLL_EXPORT bool DecompressFiles(const std::wstring& zipPath,
+                                                const std::wstring& destination);
+
+namespace VEK_NAMESPACE {
+
+/// Packs the files, each under its name without a folder, into a new archive. On failure the
+/// archive is removed.
+UTILSDLL_EXPORT bool CompressFiles(const QStringList& files, const QString& zipPath);
+
+/// Extracts an archive of the product's own, and tells nothing about the outcome. Makes the
+/// destination if need be.
+UTILSDLL_EXPORT void DecompressFiles(const QString& zipPath, const QString& destination);
+
+/// \name Archives that come from elsewhere
+/// @{
+
+/// What an archive may take. Sizes are in bytes, unpacked.
+struct ArchiveLimits
+{
+    quint64 totalSize = Q_UINT64_C(16) << 30;
+    quint64 entryCount = 100000;
+    /// Unpacked by packed size, of each entry and of the archive as a whole. Up to 1 MiB every
+    /// ratio is fine.
+    quint64 compressionRatio = 200;
+};
+
+enum class ArchiveError
+{
+    None,
+    NotAnArchive, ///< missing, unreadable, not a ZIP archive, or one without entries
+    UnsafeName, ///< an entry that would be written outside the destination
+    UnsafeLink, ///< a symbolic link that leads out of the destination, or by a detour
+    UnsupportedEntry, ///< encrypted, packed in an unknown way, or a device, pipe or socket
+    TooManyEntries,
+    TooLarge,
+    TooCompressed,
+    Damaged,
+    WriteFailed, ///< no space, no rights, or a folder in a file's place
+    Stopped ///< by the caller
+};
+
+struct ArchiveResult
+{
+    ArchiveError error = ArchiveError::None;
+    QString entry; ///< the stored name that \a error is about; empty if it is none's in particular
+    QString reason; ///< one English sentence for a log
+    quint64 extractedEntries = 0;
+
+    explicit operator bool() const { return error == ArchiveError::None; }
+};
+
+struct ArchiveProgress
+{
+    quint64 entries = 0; ///< that are done, of \a totalEntries
+    quint64 totalEntries = 0;
+    quint64 bytes = 0; ///< that are written, of \a totalBytes
+    quint64 totalBytes = 0; ///< as the archive declares it
+    QString entry; ///< the stored name of the one at work
+};
+
+/// Called in the caller's thread before each entry and after each 64 KiB; false stops.
+using ArchiveProgressHandler = std::function<bool(const ArchiveProgress& progress)>;
+
+/// Extracts an archive that nobody vouches for. Nothing is ever written outside \a destination,
+/// also not through links, those that are there already included, and never more than \a limits
+/// allow.
+///
+/// All entries are looked at first, and an archive that is refused for what it declares leaves no
+/// trace. After that the first failure, or the handler, ends the extraction: the entries before it
+/// stay, an unfinished file goes. Existing files and links are replaced, folders are made,
+/// permissions are applied so that the owner can always read and write. Links are made last, and
+/// only those that are relative and stay within the destination.
+UTILSDLL_EXPORT ArchiveResult ExtractArchive(const QString& zipPath, const QString& destination,
+                                             const ArchiveLimits& limits = ArchiveLimits(),
+                                             const ArchiveProgressHandler& onProgress = {});
+
+/// @}
+
+} // namespace VEK_NAMESPACE

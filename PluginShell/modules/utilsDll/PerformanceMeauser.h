@@ -1,0 +1,48 @@
+#pragma once
+
+#include "ThreadSafeVariable.h"
+#include "UtilsDllGlobal.h"
+
+#include <QDebug>
+#include <QElapsedTimer>
+#include <QHash>
+#include <QString>
+
+namespace VEK_NAMESPACE {
+
+/// A scope timer: measures from its construction to its destruction, in whole milliseconds, adds
+/// the result to a running average of the process, and writes one line with both to a debug stream.
+///
+/// A measurement's name is the key of its average; nameless ones share one. Averages are kept until
+/// the process ends. Any thread, one object each.
+class UTILSDLL_EXPORT CPerformanceMeauser
+{
+public:
+    struct avg
+    {
+        quint64 count = 0;
+        quint64 total = 0; ///< milliseconds
+    };
+
+    /// Writes to a qDebug() stream of its own.
+    explicit CPerformanceMeauser(const QString& name);
+    /// Writes to a copy of \a debug, which ends its line when both are gone.
+    CPerformanceMeauser(const QDebug& debug, const QString& name);
+    ~CPerformanceMeauser();
+
+    /// Whole milliseconds; 0 for a name that hasn't been measured.
+    static quint64 avgElapsedTime(const QString& name);
+
+    static void resetAvgElapsedTime(const QString& name);
+
+private:
+    Q_DISABLE_COPY(CPerformanceMeauser)
+
+    QString m_name;
+    QDebug m_debug;
+    QElapsedTimer m_timer;
+
+    static ThreadSafeVariable<QHash<QString, avg>> m_averageData;
+};
+
+} // namespace VEK_NAMESPACE
