@@ -29,10 +29,6 @@ configure_file(cmake/UtilsDllkrnv3.pc.in ${PROJECT_BINARY_DIR}/UtilsDllkrnv3.pc 
 install(FILES ${PROJECT_BINARY_DIR}/UtilsDllkrnv3.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-# The licences of what the library carries, for a host's bundle.
-include(${PROJECT_SOURCE_DIR}/PluginShell/resources/data/licences.cmake)
-while(utilsdll_bundled_licences)
-    list(POP_FRONT utilsdll_bundled_licences licence file)
-    install(FILES ${file} DESTINATION ${CMAKE_INSTALL_DATADIR}/UtilsDllkrnv3/Licenses
-        RENAME ${licence})
-endwhile()
+# The notices of what the library carries and uses, for a host's bundle.
+get_target_property(notices notices NOTICES)
+install(FILES ${notices} DESTINATION ${CMAKE_INSTALL_DATADIR}/UtilsDllkrnv3/Licenses)

@@ -1,21 +1,27 @@
 #include "MainWindow.h"
 
+#include "AboutDlg.h"
 #include "BusyBar.h"
 #include "CommonConstants.h"
 #include "CorrectionHandles.h"
 #include "CorrectionHistory.h"
 #include "CorrectionJob.h"
 #include "DelayedCall.h"
+#include "HelpMenu.h"
 #include "HostLog.h"
 #include "HostStyle.h"
 #include "MessageBox.h"
 #include "Named.h"
 #include "NativeDialogs.h"
+#include "PerformanceMeauser.h"
+#include "PictureArchive.h"
+#include "PictureDescription.h"
 #include "PictureFile.h"
 #include "PictureView.h"
 #include "PreferencesDialog.h"
 #include "Scripting.h"
 #include "Settings.h"
+#include "SharedUtils.h"
 #include "ToolPanel.h"
 
 #include <QAction>
@@ -27,15 +33,10 @@
 #include <QFileInfo>
 #include <QFrame>
 #include <QHBoxLayout>
-#include <QLabel>
-#include <QLocale>
 #include <QMenuBar>
-#include <QPainter>
 #include <QPushButton>
 #include <QRegularExpression>
-#include <QScreen>
 #include <QSlider>
-#include <QStyle>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -56,47 +57,7 @@ constexpr int requestWaitsMs = 100;
 /// Heights of message boxes for one or two lines of text.
 constexpr int simpleBoxHeight = 165;
 constexpr int questionBoxHeight = 165;
-
-/// Shortens a long text in the middle, where it doesn't tell files apart.
-class ElidedLabel : public QLabel
-{
-protected:
-    QSize minimumSizeHint() const override { return {40, QLabel::minimumSizeHint().height()}; }
-
-    void paintEvent(QPaintEvent* event) override
-    {
-        Q_UNUSED(event)
-        QPainter painter(this);
-        style()->drawItemText(&painter, rect(), int(alignment()), palette(), isEnabled(),
-                              fontMetrics().elidedText(text(), Qt::ElideMiddle, width()),
-                              foregroundRole());
-    }
-};
-
-/// The size in the unit that the user has chosen.
-QString imageSizeText(const QSize& size)
-{
-    struct Unit
-    {
-        const char* word;
-        double perInch; ///< 0 for pixels
-        int decimals;
-    };
-    static const Unit units[] = {{"px", 0.0, 0}, {"in", 1.0, 2}, {"cm", 2.54, 1}, {"mm", 25.4, 0}};
-    const int chosen = CSettings().value(g_ImageSizeUnits, 0).toInt();
-    const Unit& unit = units[chosen > 0 && chosen < 4 ? chosen : 0];
-
-    const QScreen* screen = QGuiApplication::primaryScreen();
-    QLocale locale;
-    locale.setNumberOptions(QLocale::OmitGroupSeparator);
-    const auto text = [&](int pixels, double dpi) {
-        const double value = unit.perInch > 0.0 ? pixels * unit.perInch / dpi : pixels;
-        return locale.toString(value, 'f', unit.decimals);
-    };
-    return QStringLiteral("%1 x %2 %3")
-        .arg(text(size.width(), int(screen->physicalDotsPerInchX())),
-             text(size.height(), int(screen->physicalDotsPerInchY())), QLatin1String(unit.word));
-}
+constexpr int complaintBoxHeight = 180;
 
 /// The product's icon of that name in all its states.
 QIcon stateIcon(const char* name)
@@ -122,6 +83,40 @@ QString nameInMessage(const QString& path)
     if (name.size() <= longest)
         return name;
     return name.left(longest / 2) + QChar(0x2026) + name.right(longest / 2);
+}
+
+/// Why an archive wasn't imported, for its user.
+QString importComplaint(ArchiveError error, const QString& name)
+{
+    const QString complaint = MainWindow::tr("Cannot import %1").arg(name);
+    QString reason;
+    switch (error) {
+    case ArchiveError::NotAnArchive:
+        reason = MainWindow::tr("It is not a ZIP archive.");
+        break;
+    case ArchiveError::UnsafeName:
+    case ArchiveError::UnsafeLink:
+        reason = MainWindow::tr("It would write outside its folder.");
+        break;
+    case ArchiveError::UnsupportedEntry:
+        reason = MainWindow::tr("It contains something that cannot be unpacked here.");
+        break;
+    case ArchiveError::TooManyEntries:
+    case ArchiveError::TooLarge:
+    case ArchiveError::TooCompressed:
+        reason = MainWindow::tr("It would become too large.");
+        break;
+    case ArchiveError::Damaged:
+        reason = MainWindow::tr("It is damaged.");
+        break;
+    case ArchiveError::WriteFailed:
+        reason = MainWindow::tr("Its files cannot be written.");
+        break;
+    case ArchiveError::None:
+    case ArchiveError::Stopped:
+        break;
+    }
+    return complaint + QLatin1Char('\n') + reason;
 }
 
 /// An action's text for places that show no mnemonic; Japanese has them between parentheses.
@@ -190,19 +185,11 @@ MainWindow::~MainWindow()
 QFrame* MainWindow::createHeader()
 {
     m_openButton = named<QPushButton>("openButton");
-    m_fileNameLabel = named<ElidedLabel>("fileNameLabel");
-    m_imageSizeLabel = named<QLabel>("imageSizeLabel");
+    m_description = new PictureDescription;
     m_preferencesButton = named<QPushButton>("preferencesButton");
     m_aboutButton = named<QPushButton>("aboutButton");
     for (QPushButton* button : {m_preferencesButton, m_aboutButton})
         button->setFlat(true);
-
-    auto* description = new QVBoxLayout;
-    description->setSpacing(1);
-    description->addStretch(1);
-    description->addWidget(m_fileNameLabel);
-    description->addWidget(m_imageSizeLabel);
-    description->addStretch(1);
 
     auto* header = named<QFrame>("header");
     header->setFixedHeight(60);
@@ -211,7 +198,7 @@ QFrame* MainWindow::createHeader()
     layout->setSpacing(8);
     layout->addWidget(m_openButton);
     layout->addSpacing(12);
-    layout->addLayout(description, 1);
+    layout->addWidget(m_description, 1);
     layout->addWidget(createToolButton("undoButton", m_undoAction));
     layout->addWidget(createToolButton("gridButton", m_gridAction));
     layout->addWidget(createToolButton("handlesButton", m_handlesAction));
@@ -248,6 +235,11 @@ void MainWindow::createActions()
     m_openAction = createAction("actionOpen", QKeySequence::Open);
     m_saveAction = createAction("actionSave", QKeySequence::Save);
     m_exportAction = createAction("actionExport", QKeySequence(Qt::CTRL + Qt::Key_E));
+    m_exportArchiveAction =
+        createAction("actionExportArchive", QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_E));
+    m_importAction = createAction("actionImport", QKeySequence(Qt::CTRL + Qt::Key_I));
+    m_showInFileManagerAction = createAction("actionShowInFileManager", QKeySequence());
+    m_moveToTrashAction = createAction("actionMoveToTrash", QKeySequence::Delete);
     m_quitAction = createAction(
         "actionQuit", standardKey(QKeySequence::Quit, QKeySequence(Qt::CTRL + Qt::Key_Q)));
     m_quitAction->setMenuRole(QAction::QuitRole);
@@ -269,6 +261,10 @@ void MainWindow::createActions()
     connect(m_openAction, &QAction::triggered, this, &MainWindow::open);
     connect(m_saveAction, &QAction::triggered, this, &MainWindow::save);
     connect(m_exportAction, &QAction::triggered, this, &MainWindow::exportPicture);
+    connect(m_exportArchiveAction, &QAction::triggered, this, &MainWindow::exportArchive);
+    connect(m_importAction, &QAction::triggered, this, &MainWindow::importArchive);
+    connect(m_showInFileManagerAction, &QAction::triggered, this, &MainWindow::showInFileManager);
+    connect(m_moveToTrashAction, &QAction::triggered, this, &MainWindow::moveToTrash);
     connect(m_quitAction, &QAction::triggered, this, &QWidget::close);
     connect(m_undoAction, &QAction::triggered, this, &MainWindow::undo);
     connect(m_resetAction, &QAction::triggered, this, &MainWindow::reset);
@@ -279,7 +275,11 @@ void MainWindow::createActions()
 void MainWindow::createMenus()
 {
     m_fileMenu = menuBar()->addMenu(QString());
-    m_fileMenu->addActions({m_openAction, m_saveAction, m_exportAction});
+    m_fileMenu->addActions({m_openAction, m_importAction});
+    m_fileMenu->addSeparator();
+    m_fileMenu->addActions({m_saveAction, m_exportAction, m_exportArchiveAction});
+    m_fileMenu->addSeparator();
+    m_fileMenu->addActions({m_showInFileManagerAction, m_moveToTrashAction});
     m_fileMenu->addSeparator();
     m_fileMenu->addAction(m_quitAction);
 
@@ -291,7 +291,8 @@ void MainWindow::createMenus()
     m_viewMenu = menuBar()->addMenu(QString());
     m_viewMenu->addActions({m_gridAction, m_handlesAction});
 
-    m_helpMenu = menuBar()->addMenu(QString());
+    m_helpMenu = new HelpMenu(this);
+    menuBar()->addMenu(m_helpMenu);
     m_helpMenu->addAction(m_aboutAction);
 }
 
@@ -301,6 +302,10 @@ void MainWindow::retranslate()
     m_openAction->setText(tr("&Open…"));
     m_saveAction->setText(tr("&Save…"));
     m_exportAction->setText(tr("&Export…"));
+    m_exportArchiveAction->setText(tr("Export as &ZIP…"));
+    m_importAction->setText(tr("&Import…"));
+    m_showInFileManagerAction->setText(tr("Show in File &Manager"));
+    m_moveToTrashAction->setText(tr("Move to &Trash…"));
     m_quitAction->setText(tr("&Quit"));
     m_editMenu->setTitle(tr("&Edit"));
     m_undoAction->setText(tr("&Undo"));
@@ -321,7 +326,7 @@ void MainWindow::retranslate()
     m_preferencesButton->setText(tr("Preferences"));
     m_aboutButton->setText(tr("About"));
     showPlaceholder();
-    showImageSize();
+    m_description->refresh();
 }
 
 void MainWindow::showPlaceholder()
@@ -441,7 +446,7 @@ void MainWindow::openAfterQuestions(const QString& path)
 
 void MainWindow::showPicture(const QImage& picture, const QString& path)
 {
-    logLine(QStringLiteral("Opened %1, %2").arg(path, imageSizeText(picture.size())));
+    logLine(QStringLiteral("Opened %1, %2").arg(path, sizeToString(picture.size())));
     m_handles->letGo();
     m_picture = picture;
     m_path = path;
@@ -454,17 +459,36 @@ void MainWindow::showPicture(const QImage& picture, const QString& path)
     m_history->restart();
 
     m_view->setPicture(picture);
-    const QString name = QFileInfo(path).fileName();
-    m_fileNameLabel->setText(name);
-    m_fileNameLabel->setToolTip(name);
-    showImageSize();
-    setWindowTitle(QStringLiteral("%1[*] – %2").arg(name, g_appTitle));
+    m_description->setPicture(path, picture.size());
+    setWindowTitle(QStringLiteral("%1[*] – %2").arg(QFileInfo(path).fileName(), g_appTitle));
     updateState();
+}
+
+void MainWindow::closePicture()
+{
+    m_handles->letGo();
+    m_picture = QImage();
+    m_path.clear();
+    m_panel->setTitle(QString());
+    m_panel->setCorrections(Corrections());
+    m_handMadeStep = false;
+    m_history->restart();
+
+    m_view->setPicture(m_picture);
+    m_description->clear();
+    setWindowTitle(g_appTitle);
+    placeHandles();
+    updateState();
+}
+
+bool MainWindow::canUsePicture() const
+{
+    return !m_picture.isNull() && !m_busyBar->isBusy();
 }
 
 bool MainWindow::save()
 {
-    if (m_picture.isNull() || m_busyBar->isBusy())
+    if (!canUsePicture())
         return false;
     const QFileInfo file(m_path);
     const QString proposal = file.absoluteDir().filePath(
@@ -488,7 +512,7 @@ bool MainWindow::save()
 
 void MainWindow::exportPicture()
 {
-    if (m_picture.isNull() || m_busyBar->isBusy())
+    if (!canUsePicture())
         return;
     const QFileInfo file(m_path);
     const QString folder = Singleton<CNativeDialogs>::instance().getExistingDirectory(
@@ -500,26 +524,128 @@ void MainWindow::exportPicture()
         m_panel->title());
 }
 
+void MainWindow::exportArchive()
+{
+    if (!canUsePicture())
+        return;
+    const QFileInfo file(m_path);
+    const QString baseName = file.completeBaseName() + QStringLiteral("-corrected");
+    const QString path = Singleton<CNativeDialogs>::instance().getSaveFileName(
+        this, tr("Export the corrected picture with its settings"),
+        file.absoluteDir().filePath(baseName + QStringLiteral(".zip")), archivesFilter());
+    if (path.isEmpty())
+        return;
+
+    const QString title = m_panel->title();
+    const Corrections corrections = m_panel->corrections();
+    QImage corrected;
+    if (!correct(&corrected))
+        return;
+    ArchiveExport work(corrected, title, corrections, baseName, path);
+    const QString name = QFileInfo(path).fileName();
+    if (m_busyBar->run(work, [&name] { return tr("Writing %1").arg(name); })
+        == BusyBar::Outcome::Failed) {
+        complainAboutSaving(path);
+    }
+}
+
+void MainWindow::importArchive()
+{
+    if (m_busyBar->isBusy())
+        return;
+    const QString path = Singleton<CNativeDialogs>::instance().getOpenFileName(
+        this, tr("Import an archive"), QFileInfo(m_path).absolutePath(), archivesFilter());
+    if (path.isEmpty())
+        return;
+
+    const QString name = QFileInfo(path).fileName();
+    ArchiveImport work(path);
+    connect(&work, &ArchiveImport::progressChanged, m_busyBar, &BusyBar::setProgress);
+    const BusyBar::Outcome outcome =
+        m_busyBar->run(work, [&name] { return tr("Unpacking %1").arg(name); });
+    if (outcome == BusyBar::Outcome::Stopped)
+        return;
+    if (outcome == BusyBar::Outcome::Failed) {
+        logLine(QStringLiteral("Not imported: %1, %2: %3")
+                    .arg(path, work.result().entry, work.result().reason));
+        CMessageBox::critical(this, importComplaint(work.result().error, nameInMessage(path)),
+                              complaintBoxHeight);
+    } else if (work.picture().isEmpty()) {
+        CMessageBox::information(this, tr("No picture in %1").arg(nameInMessage(path)),
+                                 simpleBoxHeight);
+    } else {
+        openAfterQuestions(work.picture());
+    }
+}
+
+void MainWindow::showInFileManager()
+{
+    if (!m_picture.isNull())
+        selectFilesInShell(QFileInfo(m_path).absolutePath(),
+                           {QFileInfo(m_path).absoluteFilePath()});
+}
+
+void MainWindow::moveToTrash()
+{
+    if (!canUsePicture())
+        return;
+    if (CMessageBox::yesNoMessage(this, tr("Move %1 to the trash?").arg(nameInMessage(m_path)),
+                                  questionBoxHeight)
+        != QMessageBox::Yes) {
+        return;
+    }
+    switch (moveFileToTrash(m_path)) {
+    case 0:
+        logLine(QStringLiteral("Moved to the trash: %1").arg(m_path));
+        closePicture();
+        break;
+    case 1:
+        CMessageBox::critical(this, tr("There is no trash for %1").arg(nameInMessage(m_path)),
+                              simpleBoxHeight);
+        break;
+    default:
+        CMessageBox::critical(this, tr("Cannot move %1 to the trash").arg(nameInMessage(m_path)),
+                              simpleBoxHeight);
+    }
+}
+
+/// False if it was stopped. Correcting doesn't fail.
+bool MainWindow::correct(QImage* corrected)
+{
+    CorrectionJob job(m_picture, m_panel->corrections());
+    connect(&job, &CorrectionJob::progressChanged, m_busyBar, &BusyBar::setProgress);
+    connect(
+        &job, &CorrectionJob::corrected, this,
+        [corrected](const QImage& picture) { *corrected = picture; }, Qt::DirectConnection);
+    QString line;
+    BusyBar::Outcome outcome = BusyBar::Outcome::Stopped;
+    {
+        const CPerformanceMeauser timer(QDebug(&line).noquote(), QStringLiteral("correction"));
+        outcome = m_busyBar->run(
+            job, [this] { return tr("Correcting %1").arg(QFileInfo(m_path).fileName()); });
+    }
+    logLine(line.trimmed());
+    return outcome == BusyBar::Outcome::Done;
+}
+
 /// False if it was stopped or couldn't be written; the latter has been told then.
 bool MainWindow::writeCorrected(const QString& path, const QString& title)
 {
-    const QString name = QFileInfo(path).fileName();
     QImage corrected;
-    CorrectionJob correction(m_picture, m_panel->corrections());
-    connect(&correction, &CorrectionJob::progressChanged, m_busyBar, &BusyBar::setProgress);
-    connect(
-        &correction, &CorrectionJob::corrected, this,
-        [&corrected](const QImage& picture) { corrected = picture; }, Qt::DirectConnection);
-    BusyBar::Outcome outcome = m_busyBar->run(
-        correction, [this] { return tr("Correcting %1").arg(QFileInfo(m_path).fileName()); });
-    if (outcome == BusyBar::Outcome::Done) {
-        PictureWriter writer(corrected, title, path, hostGround());
-        outcome = m_busyBar->run(writer, [&name] { return tr("Writing %1").arg(name); });
-    }
-    if (outcome != BusyBar::Outcome::Failed)
-        return outcome == BusyBar::Outcome::Done;
+    if (!correct(&corrected))
+        return false;
+    const QString name = QFileInfo(path).fileName();
+    PictureWriter writer(corrected, title, path, hostGround());
+    const BusyBar::Outcome outcome =
+        m_busyBar->run(writer, [&name] { return tr("Writing %1").arg(name); });
+    if (outcome == BusyBar::Outcome::Failed)
+        complainAboutSaving(path);
+    return outcome == BusyBar::Outcome::Done;
+}
+
+void MainWindow::complainAboutSaving(const QString& path)
+{
     CMessageBox::critical(this, tr("Cannot save %1").arg(nameInMessage(path)), simpleBoxHeight);
-    return false;
 }
 
 void MainWindow::reset()
@@ -555,14 +681,12 @@ void MainWindow::editPreferences()
 {
     PreferencesDialog dialog(this);
     if (dialog.exec() == QDialog::Accepted)
-        showImageSize();
+        m_description->refresh();
 }
 
 void MainWindow::about()
 {
-    CMessageBox::information(
-        this, tr("%1\nVersion %2").arg(g_appTitle, QCoreApplication::applicationVersion()),
-        simpleBoxHeight);
+    (new CAboutDlg(this))->show(); // deletes itself
 }
 
 void MainWindow::changeEvent(QEvent* event)
@@ -641,15 +765,11 @@ void MainWindow::updateState()
     m_saveAction->setEnabled(savable);
     m_panel->saveButton()->setEnabled(savable);
     m_exportAction->setEnabled(savable);
+    m_exportArchiveAction->setEnabled(savable);
+    m_importAction->setEnabled(idle);
+    m_showInFileManagerAction->setEnabled(!m_picture.isNull());
+    m_moveToTrashAction->setEnabled(savable);
     m_panel->exportButton()->setEnabled(savable);
     m_undoAction->setEnabled(m_history->canUndo() || m_handMadeStep);
     setWindowModified(isChanged());
-}
-
-void MainWindow::showImageSize()
-{
-    m_imageSizeLabel->setVisible(!m_picture.isNull()
-                                 && CSettings().value(g_showImageSize, true).toBool());
-    if (!m_picture.isNull())
-        m_imageSizeLabel->setText(imageSizeText(m_picture.size()));
 }

@@ -8,10 +8,10 @@ class BusyBar;
 class CQRunnableItem;
 class CorrectionHandles;
 class CorrectionHistory;
+class PictureDescription;
 class PictureView;
 class QAction;
 class QFrame;
-class QLabel;
 class QMenu;
 class QPushButton;
 class QToolButton;
@@ -20,8 +20,8 @@ class ToolPanel;
 /// The sample host's window: a picture, and the controls that mend and save it. Scripts find every
 /// control by its object name.
 ///
-/// While the full picture is being corrected or written the window stays alive, but for opening,
-/// saving and exporting; closing it stops the work.
+/// While the full picture is being corrected or written, or an archive unpacked, the window stays
+/// alive, but for what needs the picture; closing it stops the work.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -41,6 +41,10 @@ public Q_SLOTS:
     void open();
     bool save();
     void exportPicture();
+    void exportArchive();
+    void importArchive();
+    void showInFileManager();
+    void moveToTrash();
     void reset();
     void undo();
     void editPreferences();
@@ -59,7 +63,6 @@ private Q_SLOTS:
     void showHandles(bool visible);
     void placeHandles();
     void updateState();
-    void showImageSize();
 
 private:
     QFrame* createHeader();
@@ -76,14 +79,17 @@ private:
     void showPicture(const QImage& picture, const QString& path);
     bool isChanged() const;
     bool mayDiscardPicture();
+    void closePicture();
+    bool canUsePicture() const;
+    bool correct(QImage* corrected);
     bool writeCorrected(const QString& path, const QString& title);
+    void complainAboutSaving(const QString& path);
 
     PictureView* m_view = nullptr;
     ToolPanel* m_panel = nullptr;
     BusyBar* m_busyBar = nullptr;
     CorrectionHistory* m_history = nullptr;
-    QLabel* m_fileNameLabel = nullptr;
-    QLabel* m_imageSizeLabel = nullptr;
+    PictureDescription* m_description = nullptr;
     CorrectionHandles* m_handles = nullptr;
     QPushButton* m_openButton = nullptr;
     QPushButton* m_preferencesButton = nullptr;
@@ -95,6 +101,10 @@ private:
     QAction* m_openAction = nullptr;
     QAction* m_saveAction = nullptr;
     QAction* m_exportAction = nullptr;
+    QAction* m_exportArchiveAction = nullptr;
+    QAction* m_importAction = nullptr;
+    QAction* m_showInFileManagerAction = nullptr;
+    QAction* m_moveToTrashAction = nullptr;
     QAction* m_quitAction = nullptr;
     QAction* m_undoAction = nullptr;
     QAction* m_resetAction = nullptr;

@@ -4,12 +4,14 @@
 #include "ApplicationActivation.h"
 #include "CommandLine.h"
 #include "CommonConstants.h"
+#include "FatalErrors.h"
 #include "HandedOverCommandLine.h"
 #include "HostLog.h"
 #include "HostStyle.h"
 #include "MainWindow.h"
 #include "RunRecord.h"
 #include "SharedUtils.h"
+#include "storageLocation.h"
 
 #include <QApplication>
 
@@ -77,6 +79,15 @@ int main(int argc, char** argv)
     }
 
     applyHostStyle(application);
+
+    // Nobody is there to dismiss an alert in an acceptance run.
+    std::optional<FatalErrors> fatalErrors;
+    if (!run) {
+        fatalErrors.emplace();
+        if (!fatalErrors->hasFreeSpace(VEK_NAMESPACE::CStorageLocation::diskCacheLocation()))
+            return AcceptanceRun::NotRun;
+    }
+
     const TopLevelWindowDeactivator popupsOfThisApplicationOnly;
     MainWindow window;
     window.show();

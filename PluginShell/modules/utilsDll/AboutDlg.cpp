@@ -58,6 +58,17 @@ QString readLicenseFile(QFile* file)
     return contents;
 }
 
+/// A label whose height follows from its width alone. QLabel would lay a long text out again and
+/// again to find fine proportions, which the scroll area doesn't ask for.
+class NoticeLabel : public QLabel
+{
+public:
+    using QLabel::QLabel;
+
+    QSize sizeHint() const override { return {0, 0}; }
+    QSize minimumSizeHint() const override { return {0, 0}; }
+};
+
 QString versionLine()
 {
     return CAboutDlg::tr("Version") + QStringLiteral(" " UTILSDLL_MARKETING_VERSION " / ")
@@ -146,7 +157,7 @@ void CAboutDlg::showEvent(QShowEvent* event)
 
 void CAboutDlg::addFileContents(const QString& contents)
 {
-    auto* label = new QLabel(this);
+    auto* label = new NoticeLabel(this);
     label->setObjectName(QStringLiteral("lbVisitVekPatentsPage"));
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(label->sizePolicy().hasHeightForWidth());
@@ -169,14 +180,13 @@ LicensesDownloadThread::~LicensesDownloadThread() = default;
 
 void LicensesDownloadThread::run()
 {
-    for (const QString& path : m_files) {
-        if (isInterruptionRequested())
-            return;
-        QFile file(path);
+    const int last = m_files.count() - 1;
+    for (int i = 0; i <= last && !isInterruptionRequested(); ++i) {
+        QFile file(m_files.at(i));
         if (!openNotice(file))
             continue;
         QString contents = readLicenseFile(&file);
-        if (path != m_files.constLast()) // paths differ
+        if (i != last)
             contents += licensesSeparator;
         Q_EMIT fileRead(contents);
     }

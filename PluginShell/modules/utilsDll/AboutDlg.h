@@ -7,9 +7,8 @@
 #include <QThread>
 
 /// The product's about box: name, version, home page, the legal notice, and below it the text of
-/// every
-/// "*.txt" in the folder "Contents/Licenses" of the product's bundle, by name. Two of them are
-/// there from the start, the others come in from a thread.
+/// every "*.txt" in the folder "Contents/Licenses" of the product's bundle, by name. Two of them
+/// are there from the start, the others come in from a thread.
 ///
 /// It closes by itself as soon as another window is activated, and then deletes itself: make it
 /// with new and show it. The notices' text is taken for markup. GUI thread.

@@ -42,9 +42,8 @@ CPerformanceMeauser::~CPerformanceMeauser()
         averageElapsed = average(data);
     }
     m_debug << QStringLiteral("elapsed time (in milliseconds) of %1 = %2, avg time = %3")
-                   .arg(m_name.isEmpty() ? QStringLiteral("unknown") : m_name)
-                   .arg(elapsed)
-                   .arg(averageElapsed);
+                   .arg(m_name.isEmpty() ? QStringLiteral("unknown") : m_name,
+                        QString::number(elapsed), QString::number(averageElapsed));
 }
 
 quint64 CPerformanceMeauser::avgElapsedTime(const QString& name)

@@ -7,7 +7,6 @@ level.
 
 from shapes import (
     ACTION,
-    ACTION_PRESSED,
     GLYPH_HOVER,
     HIGHLIGHT,
     TEXT,
@@ -31,6 +30,9 @@ TILTED = "#b3cddc"
 SKY_TOP, SKY_BOTTOM = HIGHLIGHT, "#dcecf5"
 SEA_TOP, SEA_BOTTOM = "#41677c", "#263d4b"
 TILT = -15
+
+# What the about box is on, below its black part.
+ABOUT_GROUND = "#262626"
 
 
 def gradient(name, top, bottom, y1, y2):
@@ -281,9 +283,12 @@ def short_logo():
 
 
 def about_line():
-    """The line along the left side of the about box, which is 508 pixels high."""
+    """The line along the left side of the about box, which is 508 pixels high.
+
+    It hides all of the window's transparent ground, and ends in the colour of the box beside it.
+    """
     stops = element("stop", offset="0", stop_color=HIGHLIGHT) + element(
-        "stop", offset="1", stop_color=ACTION_PRESSED, stop_opacity="0"
+        "stop", offset="1", stop_color=ABOUT_GROUND
     )
     fade = element("linearGradient", stops, id="fade", x1="0", y1="0", x2="0", y2="1")
     body = element("defs", fade) + rect(0, 0, 4, 508, 0, fill="url(#fade)")

@@ -82,6 +82,29 @@
     </message>
 </context>
 <context>
+    <name>HelpMenu</name>
+    <message>
+        <source>&amp;Help on the Web</source>
+        <translation>&amp;Hilfe im Internet</translation>
+    </message>
+    <message>
+        <source>&amp;Support</source>
+        <translation>&amp;Support</translation>
+    </message>
+    <message>
+        <source>A&amp;cademy</source>
+        <translation>&amp;Akademie</translation>
+    </message>
+    <message>
+        <source>Sh&amp;op</source>
+        <translation>Sh&amp;op</translation>
+    </message>
+    <message>
+        <source>Home &amp;Page</source>
+        <translation>&amp;Homepage</translation>
+    </message>
+</context>
+<context>
     <name>MainWindow</name>
     <message>
         <source>&amp;File</source>
@@ -208,14 +231,94 @@
         <translation>Korrekturen</translation>
     </message>
     <message>
-        <source>%1
-Version %2</source>
-        <translation>%1
-Version %2</translation>
-    </message>
-    <message>
         <source>Save changes to %1?</source>
         <translation>Sollen die Änderungen an %1 gespeichert werden?</translation>
+    </message>
+    <message>
+        <source>Cannot import %1</source>
+        <translation>%1 kann nicht importiert werden</translation>
+    </message>
+    <message>
+        <source>It is not a ZIP archive.</source>
+        <translation>Die Datei ist kein ZIP-Archiv.</translation>
+    </message>
+    <message>
+        <source>It would write outside its folder.</source>
+        <translation>Das Archiv würde außerhalb seines Ordners schreiben.</translation>
+    </message>
+    <message>
+        <source>It contains something that cannot be unpacked here.</source>
+        <translation>Das Archiv enthält etwas, das hier nicht entpackt werden kann.</translation>
+    </message>
+    <message>
+        <source>It would become too large.</source>
+        <translation>Der entpackte Inhalt wäre zu groß.</translation>
+    </message>
+    <message>
+        <source>It is damaged.</source>
+        <translation>Das Archiv ist beschädigt.</translation>
+    </message>
+    <message>
+        <source>Its files cannot be written.</source>
+        <translation>Die Dateien können nicht geschrieben werden.</translation>
+    </message>
+    <message>
+        <source>Export as &amp;ZIP…</source>
+        <translation>Als &amp;ZIP exportieren …</translation>
+    </message>
+    <message>
+        <source>&amp;Import…</source>
+        <translation>&amp;Importieren …</translation>
+    </message>
+    <message>
+        <source>Show in File &amp;Manager</source>
+        <translation>Im Datei&amp;manager zeigen</translation>
+    </message>
+    <message>
+        <source>Move to &amp;Trash…</source>
+        <translation>In den &amp;Papierkorb legen …</translation>
+    </message>
+    <message>
+        <source>Export the corrected picture with its settings</source>
+        <translation>Korrigiertes Bild mit Einstellungen exportieren</translation>
+    </message>
+    <message>
+        <source>Import an archive</source>
+        <translation>Archiv importieren</translation>
+    </message>
+    <message>
+        <source>Unpacking %1</source>
+        <translation>%1 wird entpackt</translation>
+    </message>
+    <message>
+        <source>No picture in %1</source>
+        <translation>%1 enthält kein Bild</translation>
+    </message>
+    <message>
+        <source>Move %1 to the trash?</source>
+        <translation>Soll %1 in den Papierkorb gelegt werden?</translation>
+    </message>
+    <message>
+        <source>There is no trash for %1</source>
+        <translation>Für %1 gibt es keinen Papierkorb</translation>
+    </message>
+    <message>
+        <source>Cannot move %1 to the trash</source>
+        <translation>%1 kann nicht in den Papierkorb gelegt werden</translation>
+    </message>
+</context>
+<context>
+    <name>PictureArchive</name>
+    <message>
+        <source>ZIP archives</source>
+        <translation>ZIP-Archive</translation>
+    </message>
+</context>
+<context>
+    <name>PictureDescription</name>
+    <message>
+        <source>Created %1</source>
+        <translation>Erstellt: %1</translation>
     </message>
 </context>
 <context>
@@ -378,8 +481,8 @@ Bitte schließen Sie einige andere Programme und versuchen Sie, Vek Marlowick 3 
         <translation>Über %1</translation>
     </message>
     <message>
-        <source>Copyright © Vek Labs. All rights reserved.</source>
-        <translation>Copyright © Vek Labs. Alle Rechte vorbehalten.</translation>
+        <source>&#x2003;&#x2003;Copyright © Vek Labs. All rights reserved.</source>
+        <translation>&#x2003;&#x2003;Copyright © Vek Labs. Alle Rechte vorbehalten.</translation>
     </message>
     <message>
         <source>Straight lines, true shapes</source>
@@ -394,8 +497,8 @@ Bitte schließen Sie einige andere Programme und versuchen Sie, Vek Marlowick 3 
         <translation>&lt;a href=&quot;%1&quot;&gt;&lt;span style=&quot;text-decoration: underline; color:#747474;&quot;&gt;Vek im Internet&lt;/span&gt;&lt;/a&gt;</translation>
     </message>
     <message>
-        <source>%1 and the logos of %1 are trademarks of Vek Labs. This program is protected by copyright law and by international treaties; copying or passing on all or part of it without permission isn&apos;t allowed.&lt;br&gt;&lt;br&gt;It contains software, fonts and data made by others. Their notices follow.&lt;br&gt;&lt;br&gt;</source>
-        <translation>%1 und die Logos von %1 sind Marken von Vek Labs. Dieses Programm ist durch das Urheberrecht und durch internationale Verträge geschützt; es darf ohne Erlaubnis weder ganz noch in Teilen kopiert oder weitergegeben werden.&lt;br&gt;&lt;br&gt;Es enthält Software, Schriften und Daten von anderen. Deren Hinweise folgen.&lt;br&gt;&lt;br&gt;</translation>
+        <source>%1 and its logos are trademarks of Vek Labs. This program is protected by copyright law and by international treaties. It may be copied and passed on, as a whole or in part, only as its licence allows.&lt;br&gt;&lt;br&gt;It contains software, fonts and data made by others, to which their own terms apply.&lt;br&gt;&lt;br&gt;</source>
+        <translation>%1 und die zugehörigen Logos sind Marken von Vek Labs. Dieses Programm ist durch das Urheberrecht und durch internationale Verträge geschützt. Es darf, ganz oder in Teilen, nur so kopiert und weitergegeben werden, wie seine Lizenz es erlaubt.&lt;br&gt;&lt;br&gt;Es enthält Software, Schriften und Daten anderer, für die deren eigene Bedingungen gelten.&lt;br&gt;&lt;br&gt;</translation>
     </message>
 </context>
 </TS>

@@ -82,6 +82,29 @@
     </message>
 </context>
 <context>
+    <name>HelpMenu</name>
+    <message>
+        <source>&amp;Help on the Web</source>
+        <translation>&amp;Help on the Web</translation>
+    </message>
+    <message>
+        <source>&amp;Support</source>
+        <translation>&amp;Support</translation>
+    </message>
+    <message>
+        <source>A&amp;cademy</source>
+        <translation>A&amp;cademy</translation>
+    </message>
+    <message>
+        <source>Sh&amp;op</source>
+        <translation>Sh&amp;op</translation>
+    </message>
+    <message>
+        <source>Home &amp;Page</source>
+        <translation>Home &amp;Page</translation>
+    </message>
+</context>
+<context>
     <name>MainWindow</name>
     <message>
         <source>&amp;File</source>
@@ -208,14 +231,94 @@
         <translation>Corrections</translation>
     </message>
     <message>
-        <source>%1
-Version %2</source>
-        <translation>%1
-Version %2</translation>
-    </message>
-    <message>
         <source>Save changes to %1?</source>
         <translation>Save changes to %1?</translation>
+    </message>
+    <message>
+        <source>Cannot import %1</source>
+        <translation>Cannot import %1</translation>
+    </message>
+    <message>
+        <source>It is not a ZIP archive.</source>
+        <translation>It is not a ZIP archive.</translation>
+    </message>
+    <message>
+        <source>It would write outside its folder.</source>
+        <translation>It would write outside its folder.</translation>
+    </message>
+    <message>
+        <source>It contains something that cannot be unpacked here.</source>
+        <translation>It contains something that cannot be unpacked here.</translation>
+    </message>
+    <message>
+        <source>It would become too large.</source>
+        <translation>It would become too large.</translation>
+    </message>
+    <message>
+        <source>It is damaged.</source>
+        <translation>It is damaged.</translation>
+    </message>
+    <message>
+        <source>Its files cannot be written.</source>
+        <translation>Its files cannot be written.</translation>
+    </message>
+    <message>
+        <source>Export as &amp;ZIP…</source>
+        <translation>Export as &amp;ZIP…</translation>
+    </message>
+    <message>
+        <source>&amp;Import…</source>
+        <translation>&amp;Import…</translation>
+    </message>
+    <message>
+        <source>Show in File &amp;Manager</source>
+        <translation>Show in File &amp;Manager</translation>
+    </message>
+    <message>
+        <source>Move to &amp;Trash…</source>
+        <translation>Move to &amp;Trash…</translation>
+    </message>
+    <message>
+        <source>Export the corrected picture with its settings</source>
+        <translation>Export the corrected picture with its settings</translation>
+    </message>
+    <message>
+        <source>Import an archive</source>
+        <translation>Import an archive</translation>
+    </message>
+    <message>
+        <source>Unpacking %1</source>
+        <translation>Unpacking %1</translation>
+    </message>
+    <message>
+        <source>No picture in %1</source>
+        <translation>No picture in %1</translation>
+    </message>
+    <message>
+        <source>Move %1 to the trash?</source>
+        <translation>Move %1 to the trash?</translation>
+    </message>
+    <message>
+        <source>There is no trash for %1</source>
+        <translation>There is no trash for %1</translation>
+    </message>
+    <message>
+        <source>Cannot move %1 to the trash</source>
+        <translation>Cannot move %1 to the trash</translation>
+    </message>
+</context>
+<context>
+    <name>PictureArchive</name>
+    <message>
+        <source>ZIP archives</source>
+        <translation>ZIP archives</translation>
+    </message>
+</context>
+<context>
+    <name>PictureDescription</name>
+    <message>
+        <source>Created %1</source>
+        <translation>Created %1</translation>
     </message>
 </context>
 <context>
@@ -378,8 +481,8 @@ Please close some other programs and try to start Vek Marlowick 3 again.</transl
         <translation>About %1</translation>
     </message>
     <message>
-        <source>Copyright © Vek Labs. All rights reserved.</source>
-        <translation>Copyright © Vek Labs. All rights reserved.</translation>
+        <source>&#x2003;&#x2003;Copyright © Vek Labs. All rights reserved.</source>
+        <translation>&#x2003;&#x2003;Copyright © Vek Labs. All rights reserved.</translation>
     </message>
     <message>
         <source>Straight lines, true shapes</source>
@@ -394,8 +497,8 @@ Please close some other programs and try to start Vek Marlowick 3 again.</transl
         <translation>&lt;a href=&quot;%1&quot;&gt;&lt;span style=&quot;text-decoration: underline; color:#747474;&quot;&gt;Visit the Vek home page&lt;/span&gt;&lt;/a&gt;</translation>
     </message>
     <message>
-        <source>%1 and the logos of %1 are trademarks of Vek Labs. This program is protected by copyright law and by international treaties; copying or passing on all or part of it without permission isn&apos;t allowed.&lt;br&gt;&lt;br&gt;It contains software, fonts and data made by others. Their notices follow.&lt;br&gt;&lt;br&gt;</source>
-        <translation>%1 and the logos of %1 are trademarks of Vek Labs. This program is protected by copyright law and by international treaties; copying or passing on all or part of it without permission isn&apos;t allowed.&lt;br&gt;&lt;br&gt;It contains software, fonts and data made by others. Their notices follow.&lt;br&gt;&lt;br&gt;</translation>
+        <source>%1 and its logos are trademarks of Vek Labs. This program is protected by copyright law and by international treaties. It may be copied and passed on, as a whole or in part, only as its licence allows.&lt;br&gt;&lt;br&gt;It contains software, fonts and data made by others, to which their own terms apply.&lt;br&gt;&lt;br&gt;</source>
+        <translation>%1 and its logos are trademarks of Vek Labs. This program is protected by copyright law and by international treaties. It may be copied and passed on, as a whole or in part, only as its licence allows.&lt;br&gt;&lt;br&gt;It contains software, fonts and data made by others, to which their own terms apply.&lt;br&gt;&lt;br&gt;</translation>
     </message>
 </context>
 </TS>

@@ -82,6 +82,29 @@
     </message>
 </context>
 <context>
+    <name>HelpMenu</name>
+    <message>
+        <source>&amp;Help on the Web</source>
+        <translation>Aide en &amp;ligne</translation>
+    </message>
+    <message>
+        <source>&amp;Support</source>
+        <translation>&amp;Assistance</translation>
+    </message>
+    <message>
+        <source>A&amp;cademy</source>
+        <translation>A&amp;cadémie</translation>
+    </message>
+    <message>
+        <source>Sh&amp;op</source>
+        <translation>&amp;Boutique</translation>
+    </message>
+    <message>
+        <source>Home &amp;Page</source>
+        <translation>&amp;Page d’accueil</translation>
+    </message>
+</context>
+<context>
     <name>MainWindow</name>
     <message>
         <source>&amp;File</source>
@@ -208,14 +231,94 @@
         <translation>Corrections</translation>
     </message>
     <message>
-        <source>%1
-Version %2</source>
-        <translation>%1
-Version %2</translation>
-    </message>
-    <message>
         <source>Save changes to %1?</source>
         <translation>Enregistrer les modifications apportées à %1&#xa0;?</translation>
+    </message>
+    <message>
+        <source>Cannot import %1</source>
+        <translation>Impossible d’importer %1</translation>
+    </message>
+    <message>
+        <source>It is not a ZIP archive.</source>
+        <translation>Ce n’est pas une archive ZIP.</translation>
+    </message>
+    <message>
+        <source>It would write outside its folder.</source>
+        <translation>Elle écrirait hors de son dossier.</translation>
+    </message>
+    <message>
+        <source>It contains something that cannot be unpacked here.</source>
+        <translation>Elle contient un élément qui ne peut pas être extrait ici.</translation>
+    </message>
+    <message>
+        <source>It would become too large.</source>
+        <translation>Son contenu serait trop volumineux.</translation>
+    </message>
+    <message>
+        <source>It is damaged.</source>
+        <translation>Elle est endommagée.</translation>
+    </message>
+    <message>
+        <source>Its files cannot be written.</source>
+        <translation>Ses fichiers ne peuvent pas être écrits.</translation>
+    </message>
+    <message>
+        <source>Export as &amp;ZIP…</source>
+        <translation>Exporter en &amp;ZIP…</translation>
+    </message>
+    <message>
+        <source>&amp;Import…</source>
+        <translation>&amp;Importer…</translation>
+    </message>
+    <message>
+        <source>Show in File &amp;Manager</source>
+        <translation>Afficher dans le &amp;gestionnaire de fichiers</translation>
+    </message>
+    <message>
+        <source>Move to &amp;Trash…</source>
+        <translation>Mettre à la &amp;corbeille…</translation>
+    </message>
+    <message>
+        <source>Export the corrected picture with its settings</source>
+        <translation>Exporter l’image corrigée avec ses réglages</translation>
+    </message>
+    <message>
+        <source>Import an archive</source>
+        <translation>Importer une archive</translation>
+    </message>
+    <message>
+        <source>Unpacking %1</source>
+        <translation>Extraction de %1</translation>
+    </message>
+    <message>
+        <source>No picture in %1</source>
+        <translation>Aucune image dans %1</translation>
+    </message>
+    <message>
+        <source>Move %1 to the trash?</source>
+        <translation>Mettre %1 à la corbeille&#xa0;?</translation>
+    </message>
+    <message>
+        <source>There is no trash for %1</source>
+        <translation>Il n’y a pas de corbeille pour %1</translation>
+    </message>
+    <message>
+        <source>Cannot move %1 to the trash</source>
+        <translation>Impossible de mettre %1 à la corbeille</translation>
+    </message>
+</context>
+<context>
+    <name>PictureArchive</name>
+    <message>
+        <source>ZIP archives</source>
+        <translation>Archives ZIP</translation>
+    </message>
+</context>
+<context>
+    <name>PictureDescription</name>
+    <message>
+        <source>Created %1</source>
+        <translation>Créé le %1</translation>
     </message>
 </context>
 <context>
@@ -378,8 +481,8 @@ Veuillez fermer d’autres programmes et essayer de relancer Vek Marlowick 3.</t
         <translation>À propos de %1</translation>
     </message>
     <message>
-        <source>Copyright © Vek Labs. All rights reserved.</source>
-        <translation>Copyright © Vek Labs. Tous droits réservés.</translation>
+        <source>&#x2003;&#x2003;Copyright © Vek Labs. All rights reserved.</source>
+        <translation>&#x2003;&#x2003;Copyright © Vek Labs. Tous droits réservés.</translation>
     </message>
     <message>
         <source>Straight lines, true shapes</source>
@@ -394,8 +497,8 @@ Veuillez fermer d’autres programmes et essayer de relancer Vek Marlowick 3.</t
         <translation>&lt;a href=&quot;%1&quot;&gt;&lt;span style=&quot;text-decoration: underline; color:#747474;&quot;&gt;Visiter le site de Vek&lt;/span&gt;&lt;/a&gt;</translation>
     </message>
     <message>
-        <source>%1 and the logos of %1 are trademarks of Vek Labs. This program is protected by copyright law and by international treaties; copying or passing on all or part of it without permission isn&apos;t allowed.&lt;br&gt;&lt;br&gt;It contains software, fonts and data made by others. Their notices follow.&lt;br&gt;&lt;br&gt;</source>
-        <translation>%1 et les logos de %1 sont des marques de Vek Labs. Ce programme est protégé par le droit d’auteur et par des traités internationaux ; il est interdit de le copier ou de le transmettre, en tout ou en partie, sans autorisation.&lt;br&gt;&lt;br&gt;Il contient des logiciels, des polices et des données d’autres auteurs. Leurs mentions suivent.&lt;br&gt;&lt;br&gt;</translation>
+        <source>%1 and its logos are trademarks of Vek Labs. This program is protected by copyright law and by international treaties. It may be copied and passed on, as a whole or in part, only as its licence allows.&lt;br&gt;&lt;br&gt;It contains software, fonts and data made by others, to which their own terms apply.&lt;br&gt;&lt;br&gt;</source>
+        <translation>%1 et ses logos sont des marques de Vek Labs. Ce programme est protégé par le droit d’auteur et par les traités internationaux. Il ne peut être copié ou transmis, en tout ou en partie, que dans les limites de sa licence.&lt;br&gt;&lt;br&gt;Il contient des logiciels, des polices et des données d’autres auteurs, soumis à leurs propres conditions.&lt;br&gt;&lt;br&gt;</translation>
     </message>
 </context>
 </TS>

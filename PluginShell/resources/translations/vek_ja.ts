@@ -82,6 +82,29 @@
     </message>
 </context>
 <context>
+    <name>HelpMenu</name>
+    <message>
+        <source>&amp;Help on the Web</source>
+        <translation>オンラインヘルプ(&amp;H)</translation>
+    </message>
+    <message>
+        <source>&amp;Support</source>
+        <translation>サポート(&amp;S)</translation>
+    </message>
+    <message>
+        <source>A&amp;cademy</source>
+        <translation>アカデミー(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Sh&amp;op</source>
+        <translation>ショップ(&amp;O)</translation>
+    </message>
+    <message>
+        <source>Home &amp;Page</source>
+        <translation>ホームページ(&amp;P)</translation>
+    </message>
+</context>
+<context>
     <name>MainWindow</name>
     <message>
         <source>&amp;File</source>
@@ -208,14 +231,94 @@
         <translation>補正</translation>
     </message>
     <message>
-        <source>%1
-Version %2</source>
-        <translation>%1
-バージョン %2</translation>
-    </message>
-    <message>
         <source>Save changes to %1?</source>
         <translation>%1 への変更を保存しますか？</translation>
+    </message>
+    <message>
+        <source>Cannot import %1</source>
+        <translation>%1 を読み込めません</translation>
+    </message>
+    <message>
+        <source>It is not a ZIP archive.</source>
+        <translation>ZIP アーカイブではありません。</translation>
+    </message>
+    <message>
+        <source>It would write outside its folder.</source>
+        <translation>フォルダーの外に書き込もうとしています。</translation>
+    </message>
+    <message>
+        <source>It contains something that cannot be unpacked here.</source>
+        <translation>展開できない項目が含まれています。</translation>
+    </message>
+    <message>
+        <source>It would become too large.</source>
+        <translation>展開すると大きくなりすぎます。</translation>
+    </message>
+    <message>
+        <source>It is damaged.</source>
+        <translation>アーカイブが壊れています。</translation>
+    </message>
+    <message>
+        <source>Its files cannot be written.</source>
+        <translation>ファイルを書き込めません。</translation>
+    </message>
+    <message>
+        <source>Export as &amp;ZIP…</source>
+        <translation>ZIP として書き出し(&amp;Z)…</translation>
+    </message>
+    <message>
+        <source>&amp;Import…</source>
+        <translation>読み込み(&amp;I)…</translation>
+    </message>
+    <message>
+        <source>Show in File &amp;Manager</source>
+        <translation>ファイルマネージャーで表示(&amp;M)</translation>
+    </message>
+    <message>
+        <source>Move to &amp;Trash…</source>
+        <translation>ゴミ箱に移動(&amp;T)…</translation>
+    </message>
+    <message>
+        <source>Export the corrected picture with its settings</source>
+        <translation>補正した画像を設定とともに書き出し</translation>
+    </message>
+    <message>
+        <source>Import an archive</source>
+        <translation>アーカイブを読み込む</translation>
+    </message>
+    <message>
+        <source>Unpacking %1</source>
+        <translation>%1 を展開中</translation>
+    </message>
+    <message>
+        <source>No picture in %1</source>
+        <translation>%1 に画像がありません</translation>
+    </message>
+    <message>
+        <source>Move %1 to the trash?</source>
+        <translation>%1 をゴミ箱に移動しますか？</translation>
+    </message>
+    <message>
+        <source>There is no trash for %1</source>
+        <translation>%1 に使えるゴミ箱がありません</translation>
+    </message>
+    <message>
+        <source>Cannot move %1 to the trash</source>
+        <translation>%1 をゴミ箱に移動できません</translation>
+    </message>
+</context>
+<context>
+    <name>PictureArchive</name>
+    <message>
+        <source>ZIP archives</source>
+        <translation>ZIP アーカイブ</translation>
+    </message>
+</context>
+<context>
+    <name>PictureDescription</name>
+    <message>
+        <source>Created %1</source>
+        <translation>作成日時: %1</translation>
     </message>
 </context>
 <context>
@@ -378,8 +481,8 @@ Version %2</source>
         <translation>%1 について</translation>
     </message>
     <message>
-        <source>Copyright © Vek Labs. All rights reserved.</source>
-        <translation>Copyright © Vek Labs. All rights reserved.</translation>
+        <source>&#x2003;&#x2003;Copyright © Vek Labs. All rights reserved.</source>
+        <translation>&#x2003;&#x2003;Copyright © Vek Labs. 無断複写・転載を禁じます。</translation>
     </message>
     <message>
         <source>Straight lines, true shapes</source>
@@ -394,8 +497,8 @@ Version %2</source>
         <translation>&lt;a href=&quot;%1&quot;&gt;&lt;span style=&quot;text-decoration: underline; color:#747474;&quot;&gt;Vek のホームページへ&lt;/span&gt;&lt;/a&gt;</translation>
     </message>
     <message>
-        <source>%1 and the logos of %1 are trademarks of Vek Labs. This program is protected by copyright law and by international treaties; copying or passing on all or part of it without permission isn&apos;t allowed.&lt;br&gt;&lt;br&gt;It contains software, fonts and data made by others. Their notices follow.&lt;br&gt;&lt;br&gt;</source>
-        <translation>%1 および %1 のロゴは Vek Labs の商標です。このプログラムは著作権法および国際条約によって保護されています。許可なく全部または一部を複製、配布することはできません。&lt;br&gt;&lt;br&gt;本製品には、第三者が作成したソフトウェア、フォント、データが含まれています。それぞれの著作権表示を以下に示します。&lt;br&gt;&lt;br&gt;</translation>
+        <source>%1 and its logos are trademarks of Vek Labs. This program is protected by copyright law and by international treaties. It may be copied and passed on, as a whole or in part, only as its licence allows.&lt;br&gt;&lt;br&gt;It contains software, fonts and data made by others, to which their own terms apply.&lt;br&gt;&lt;br&gt;</source>
+        <translation>%1 とそのロゴは Vek Labs の商標です。本プログラムは著作権法および国際条約によって保護されています。全部または一部の複製や配布は、使用許諾で認められた範囲に限られます。&lt;br&gt;&lt;br&gt;本プログラムには第三者のソフトウェア、フォント、データが含まれており、それぞれの条件が適用されます。&lt;br&gt;&lt;br&gt;</translation>
     </message>
 </context>
 </TS>
