@@ -68,6 +68,20 @@ public:
         show();
     }
 
+    /// Takes the about box, which isn't modal.
+    void takeAboutBox(const QString& name, MainWindow* window)
+    {
+        if (!isWanted(name))
+            return;
+        window->about();
+        auto* box = window->findChild<QWidget*>(QStringLiteral("aboutDlg"));
+        if (!QTest::qWaitForWindowActive(box))
+            qFatal("the about box doesn't come up");
+        take(box, name);
+        box->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
 private:
     bool isWanted(const QString& name) const
     {
@@ -157,6 +171,7 @@ int main(int argc, char** argv)
         photographer.take(&window, QStringLiteral("main-window-%1").arg(language));
         photographer.takeDialog(QStringLiteral("preferences-%1").arg(language),
                                 [&window] { window.editPreferences(); });
+        photographer.takeAboutBox(QStringLiteral("about-box-%1").arg(language), &window);
         takeMessageBoxes(&photographer, &window, language);
     }
     return 0;

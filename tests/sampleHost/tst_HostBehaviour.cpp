@@ -282,9 +282,13 @@ void tst_HostBehaviour::scripts_see_data()
            "click('preferencesButton');",
            {"3", no});
     addRow("what product this is",
-           "click('aboutButton'); trigger('actionAbout');"
-           "see(shown('Vek Marlowick 3\\nVersion " HOST_VERSION "'));",
-           {yes});
+           "scripting.resendSignal.connect(function (dialog) { see(dialog.getObjectName());"
+           "see(scripting.getSubObject(dialog, 'label_1').text);"
+           "see(scripting.getSubObject(dialog, 'aboutLabel').text); dialog.close(); });"
+           "click('aboutButton'); scripting.wait(500); trigger('actionAbout');"
+           "scripting.wait(500);",
+           {"aboutDlg", "Vek Marlowick 3", "Version 3.1.4 / Build 251 / 64 bit", "aboutDlg",
+            "Vek Marlowick 3", "Version 3.1.4 / Build 251 / 64 bit"});
 }
 
 void tst_HostBehaviour::scripts_see()

@@ -21,6 +21,8 @@
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMap>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPainter>
@@ -74,14 +76,29 @@ struct Text
 const Text mainWindowTexts[] = {
     {"aboutButton", {"Info", "About", "À propos", "バージョン情報"}},
     {"actionAbout", {"&Info", "&About", "À &propos", "バージョン情報(&A)"}},
+    {"actionAcademy", {"&Akademie", "A&cademy", "A&cadémie", "アカデミー(&C)"}},
     {"actionExport", {"&Exportieren …", "&Export…", "E&xporter…", "書き出し(&E)…"}},
+    {"actionExportArchive",
+     {"Als &ZIP exportieren …", "Export as &ZIP…", "Exporter en &ZIP…", "ZIP として書き出し(&Z)…"}},
     {"actionGrid", {"&Raster", "&Grid", "&Grille", "グリッド(&G)"}},
     {"actionHandles", {"&Anfasser", "&Handles", "&Poignées", "ハンドル(&H)"}},
+    {"actionHelp",
+     {"&Hilfe im Internet", "&Help on the Web", "Aide en &ligne", "オンラインヘルプ(&H)"}},
+    {"actionHomePage", {"Home&page", "Home &Page", "Page d’acc&ueil", "ホームページ(&P)"}},
+    {"actionImport", {"&Importieren …", "&Import…", "&Importer…", "読み込み(&I)…"}},
+    {"actionMoveToTrash",
+     {"In den &Papierkorb legen …", "Move to &Trash…", "Mettre à la &corbeille…",
+      "ゴミ箱に移動(&T)…"}},
     {"actionOpen", {"Ö&ffnen …", "&Open…", "&Ouvrir…", "開く(&O)…"}},
     {"actionPreferences", {"&Einstellungen …", "&Preferences…", "&Préférences…", "環境設定(&P)…"}},
     {"actionQuit", {"&Beenden", "&Quit", "&Quitter", "終了(&Q)"}},
     {"actionReset", {"&Zurücksetzen", "&Reset", "&Réinitialiser", "リセット(&R)"}},
     {"actionSave", {"&Speichern …", "&Save…", "&Enregistrer…", "保存(&S)…"}},
+    {"actionShop", {"Sh&op", "Sh&op", "&Boutique", "ショップ(&O)"}},
+    {"actionShowInFileManager",
+     {"Im Datei&manager anzeigen", "Show in File &Manager",
+      "Afficher dans le &gestionnaire de fichiers", "ファイルマネージャーで表示(&M)"}},
+    {"actionSupport", {"&Support", "&Support", "&Assistance", "サポート(&S)"}},
     {"actionUndo", {"&Rückgängig", "&Undo", "&Annuler", "取り消す(&U)"}},
     {"amountLabel 1", {"+3,5°", "+3.5°", "+3,5°", "+3.5°"}},
     {"amountLabel 2", {"-20", "-20", "-20", "-20"}},
@@ -93,6 +110,7 @@ const Text mainWindowTexts[] = {
     {"distortionSlider, as it is read out", {"Verzeichnung", "Distortion", "Distorsion", "ゆがみ"}},
     {"exportButton", {"Exportieren …", "Export…", "Exporter…", "書き出し…"}},
     {"fileNameLabel", {"small.png", "small.png", "small.png", "small.png"}},
+    {"fileSizeLabel", {"2.5KB", "2.5KB", "2.5Ko", "2.5KB"}},
     {"gridCheckBox", {"Raster einblenden", "Show grid", "Afficher la grille", "グリッドを表示"}},
     {"horizonSlider, as it is read out", {"Horizont", "Horizon", "Horizon", "水平"}},
     {"imageSizeLabel", {"60 x 40 px", "60 x 40 px", "60 x 40 px", "60 x 40 px"}},
@@ -214,8 +232,12 @@ Texts textsOf(const QWidget* window)
     if (const auto* mainWindow = qobject_cast<const QMainWindow*>(window)) {
         int number = 0;
         const auto menus = mainWindow->menuBar()->actions();
-        for (const QAction* menu : menus)
+        for (const QAction* menu : menus) {
             add(QStringLiteral("menu %1").arg(++number), menu->text());
+            const auto own = menu->menu()->actions();
+            for (const QAction* action : own)
+                add(action->objectName(), action->text());
+        }
     } else {
         add(QStringLiteral("title of the window"), window->windowTitle());
     }
@@ -442,6 +464,8 @@ private Q_SLOTS:
     void every_text_changes_at_once_data();
     void every_text_changes_at_once();
     void every_text_changes_from_one_language_to_the_next();
+    void letters_of_a_menu_differ_data();
+    void letters_of_a_menu_differ();
     void the_tips_change_at_once_data();
     void the_tips_change_at_once();
     void the_place_of_a_picture_changes_at_once_data();
@@ -473,6 +497,8 @@ private Q_SLOTS:
     void no_text_is_clipped();
     void no_text_of_a_message_box_is_clipped_data();
     void no_text_of_a_message_box_is_clipped();
+    void no_text_about_files_is_clipped_data();
+    void no_text_about_files_is_clipped();
 
 private:
     template <typename T>
@@ -501,7 +527,9 @@ void tst_HostLanguages::initTestCase()
     QVERIFY(m_dir.isValid());
     QImage picture(60, 40, QImage::Format_RGB32);
     picture.fill(Qt::darkGreen);
-    QVERIFY(picture.save(m_dir.filePath(QStringLiteral("small.png"))));
+    const QString file = m_dir.filePath(QStringLiteral("small.png"));
+    QVERIFY(picture.save(file)
+            && QFile::resize(file, 2560)); // it reads as well with zeros at its end
 }
 
 void tst_HostLanguages::init()
@@ -563,6 +591,37 @@ void tst_HostLanguages::every_text_changes_from_one_language_to_the_next()
             VERIFY_SAME_TEXTS(textsOf(m_window.get()), inLanguage(mainWindowTexts, language));
         }
     });
+}
+
+void tst_HostLanguages::letters_of_a_menu_differ_data()
+{
+    rowForEachLanguage();
+}
+
+void tst_HostLanguages::letters_of_a_menu_differ()
+{
+    QFETCH(int, language);
+    CLanguageManager::instance()->changeLanguage(language);
+    QCoreApplication::sendPostedEvents();
+
+    QList<QList<QAction*>> menus{m_window->menuBar()->actions()};
+    for (const QAction* menu : qAsConst(menus.first()))
+        menus << menu->menu()->actions();
+    QCOMPARE(menus.size(), 5);
+    for (const QList<QAction*>& menu : qAsConst(menus)) {
+        QMap<QChar, QString> letters;
+        for (const QAction* action : menu) {
+            if (action->isSeparator())
+                continue;
+            const QString text = action->text();
+            const QChar letter = text.at(text.indexOf(QLatin1Char('&')) + 1).toUpper();
+            QVERIFY2(text.count(QLatin1Char('&')) == 1 && letter >= QLatin1Char('A')
+                         && letter <= QLatin1Char('Z'),
+                     qPrintable(text));
+            QVERIFY2(!letters.contains(letter), qPrintable(letters.value(letter) + " and " + text));
+            letters.insert(letter, text);
+        }
+    }
 }
 
 void tst_HostLanguages::the_tips_change_at_once_data()
@@ -674,11 +733,12 @@ void tst_HostLanguages::the_size_of_the_picture_follows_the_language_data()
 {
     QTest::addColumn<int>("language");
     QTest::addColumn<QRegularExpression>("pattern"); // the display's resolution is its own
-    QTest::newRow("German") << int(German) << QRegularExpression("^0,\\d\\d x 0,\\d\\d in$");
+    // The words are the language's, the numbers are the same everywhere.
+    QTest::newRow("German") << int(German) << QRegularExpression("^0\\.\\d\\d x 0\\.\\d\\d Zoll$");
     QTest::newRow("English") << int(English) << QRegularExpression("^0\\.\\d\\d x 0\\.\\d\\d in$");
-    QTest::newRow("French") << int(French) << QRegularExpression("^0,\\d\\d x 0,\\d\\d in$");
+    QTest::newRow("French") << int(French) << QRegularExpression("^0\\.\\d\\d x 0\\.\\d\\d po$");
     QTest::newRow("Japanese") << int(Japanese)
-                              << QRegularExpression("^0\\.\\d\\d x 0\\.\\d\\d in$");
+                              << QRegularExpression("^0\\.\\d\\d x 0\\.\\d\\d インチ$");
 }
 
 void tst_HostLanguages::the_size_of_the_picture_follows_the_language()
@@ -849,28 +909,30 @@ void tst_HostLanguages::the_message_boxes_data()
     QTest::addColumn<int>("language");
     QTest::addColumn<QStringList>("saving"); // text and buttons from left to right
     QTest::addColumn<QStringList>("resetting");
-    QTest::addColumn<QStringList>("about");
+    QTest::addColumn<QStringList>("trashing");
     QTest::newRow("German") << int(German)
                             << QStringList{"Sollen die Änderungen an small.png gespeichert werden?",
                                            "Nicht speichern", "Abbrechen", "Speichern"}
                             << QStringList{"Sollen alle Korrekturen zurückgesetzt werden?", "Nein",
                                            "Ja"}
-                            << QStringList{"Vek Marlowick 3\nVersion 3.1", "OK"};
+                            << QStringList{"Soll small.png in den Papierkorb gelegt werden?",
+                                           "Nein", "Ja"};
     QTest::newRow("English") << int(
         English) << QStringList{"Save changes to small.png?", "Don't save", "Cancel", "Save"}
                              << QStringList{"Reset all corrections?", "No", "Yes"}
-                             << QStringList{"Vek Marlowick 3\nVersion 3.1", "OK"};
+                             << QStringList{"Move small.png to the trash?", "No", "Yes"};
     QTest::newRow("French")
         << int(French)
         << QStringList{"Enregistrer les modifications apportées à small.png\u00a0?",
                        "Ne pas enregistrer", "Annuler", "Enregistrer"}
         << QStringList{"Réinitialiser toutes les corrections\u00a0?", "Non", "Oui"}
-        << QStringList{"Vek Marlowick 3\nVersion 3.1", "OK"};
+        << QStringList{"Mettre small.png à la corbeille\u00a0?", "Non", "Oui"};
     QTest::newRow("Japanese") << int(Japanese)
                               << QStringList{"small.png への変更を保存しますか？", "保存しない",
                                              "キャンセル", "保存"}
                               << QStringList{"すべての補正をリセットしますか？", "いいえ", "はい"}
-                              << QStringList{"Vek Marlowick 3\nバージョン 3.1", "OK"};
+                              << QStringList{"small.png をゴミ箱に移動しますか？", "いいえ",
+                                             "はい"};
 }
 
 void tst_HostLanguages::the_message_boxes()
@@ -878,7 +940,7 @@ void tst_HostLanguages::the_message_boxes()
     QFETCH(int, language);
     QFETCH(QStringList, saving);
     QFETCH(QStringList, resetting);
-    QFETCH(QStringList, about);
+    QFETCH(QStringList, trashing);
     inPreferences([&](QDialog* preferences) {
         choose(preferences, Language(language));
         press(preferences, "okButton");
@@ -895,11 +957,11 @@ void tst_HostLanguages::the_message_boxes()
     child<QLineEdit>("titleEdit")->setText(QStringLiteral("Dogs"));
     m_window->close();
     child<QPushButton>("resetButton")->click();
-    child<QPushButton>("aboutButton")->click();
+    child<QAction>("actionMoveToTrash")->trigger();
     QCOMPARE(shown.size(), 3);
     QCOMPARE(shown.at(0), saving);
     QCOMPARE(shown.at(1), resetting);
-    QCOMPARE(shown.at(2), about);
+    QCOMPARE(shown.at(2), trashing);
 }
 
 void tst_HostLanguages::a_cancelled_choice_goes_back_data()
@@ -1043,14 +1105,14 @@ void tst_HostLanguages::no_text_is_clipped()
     child<BusyBar>("busyBar")->show();
     QCoreApplication::processEvents();
     const ClippedTexts clipped(m_window.get());
-    QCOMPARE(clipped.checked(), 21);
+    QCOMPARE(clipped.checked(), 22);
     QVERIFY2(clipped.found().isEmpty(), qPrintable(clipped.found()));
 
     // A small window leaves out something of a file's name only.
     m_window->resize(m_window->minimumSizeHint());
     QTRY_COMPARE(m_window->width(), m_window->minimumSizeHint().width());
     const ClippedTexts clippedWhenSmall(m_window.get(), {QStringLiteral("fileNameLabel")});
-    QCOMPARE(clippedWhenSmall.checked(), 20);
+    QCOMPARE(clippedWhenSmall.checked(), 21);
     QVERIFY2(clippedWhenSmall.found().isEmpty(), qPrintable(clippedWhenSmall.found()));
 }
 
@@ -1122,6 +1184,50 @@ void tst_HostLanguages::no_text_of_a_message_box_is_clipped()
         CMessageBox::warning(parent, text("Cannot save %1").arg(file), height);
     }
     QCOMPARE(watcher.count(), 1);
+}
+
+void tst_HostLanguages::no_text_about_files_is_clipped_data()
+{
+    rowForEachLanguage();
+}
+
+void tst_HostLanguages::no_text_about_files_is_clipped()
+{
+    QFETCH(int, language);
+    CLanguageManager::instance()->changeLanguage(language);
+    // As long as names in message boxes get.
+    const QString file = QStringLiteral("20240817_153022_harbour_at_noon.zip");
+    const auto text = [](const char* source) {
+        return QCoreApplication::translate("MainWindow", source);
+    };
+    const auto checkBox = [](int height) {
+        return [height](QDialog* dialog) {
+            QCoreApplication::processEvents();
+            QCOMPARE(dialog->height(), height);
+            const ClippedTexts clipped(dialog);
+            QVERIFY(clipped.checked() >= 2);
+            QVERIFY2(clipped.found().isEmpty(), qPrintable(clipped.found()));
+        };
+    };
+
+    {
+        const DialogWatcher complaints(checkBox(180));
+        for (const char* reason :
+             {"It is not a ZIP archive.", "It would write outside its folder.",
+              "It contains something that cannot be unpacked here.", "It would become too large.",
+              "It is damaged.", "Its files cannot be written."}) {
+            CMessageBox::critical(
+                m_window.get(),
+                text("Cannot import %1").arg(file) + QLatin1Char('\n') + text(reason), 180);
+        }
+        QCOMPARE(complaints.count(), 6);
+    }
+    const DialogWatcher others(checkBox(165));
+    for (const char* message :
+         {"There is no trash for %1", "Cannot move %1 to the trash", "No picture in %1"})
+        CMessageBox::critical(m_window.get(), text(message).arg(file), 165);
+    CMessageBox::yesNoMessage(m_window.get(), text("Move %1 to the trash?").arg(file), 165);
+    QCOMPARE(others.count(), 4);
 }
 
 int main(int argc, char** argv)

@@ -20,6 +20,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QPointer>
 #include <QProcess>
 #include <QPushButton>
 #include <QSlider>
@@ -268,6 +269,7 @@ private Q_SLOTS:
     void icons_use_all_pixels_of_the_screen_data();
     void icons_use_all_pixels_of_the_screen();
 
+    void the_sizes_stand_in_line();
     void the_tool_panel_stands_in_line();
     void buttons_of_one_row_are_equally_high();
     void buttons_of_one_row_in_dialogs_are_equally_high_data();
@@ -353,9 +355,9 @@ void tst_HostLook::texts_can_be_read_data()
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<int>("index"); // among those of that name, from top to bottom
     for (const char* name :
-         {"openButton", "fileNameLabel", "imageSizeLabel", "preferencesButton", "aboutButton",
-          "titleEdit", "resetButton", "autoCropCheckBox", "gridCheckBox", "saveButton",
-          "exportButton", "closeButton", "stopButton"})
+         {"openButton", "fileNameLabel", "imageSizeLabel", "fileSizeLabel", "preferencesButton",
+          "aboutButton", "titleEdit", "resetButton", "autoCropCheckBox", "gridCheckBox",
+          "saveButton", "exportButton", "closeButton", "stopButton"})
         QTest::newRow(name) << QByteArray(name) << 0;
     QTest::newRow("title of the title") << QByteArray("sectionLabel") << 0;
     QTest::newRow("title of the corrections") << QByteArray("sectionLabel") << 1;
@@ -412,10 +414,11 @@ void tst_HostLook::no_text_of_the_window_is_left_out()
     std::sort(texts.begin(), texts.end());
     // Those of the rows above, but for what is being done, which is empty here.
     const QStringList measured{
-        "aboutButton",  "amountLabel",       "amountLabel",   "amountLabel",  "autoCropCheckBox",
-        "closeButton",  "exportButton",      "fileNameLabel", "gridCheckBox", "imageSizeLabel",
-        "openButton",   "preferencesButton", "resetButton",   "saveButton",   "sectionLabel",
-        "sectionLabel", "sliderLabel",       "sliderLabel",   "sliderLabel",  "stopButton"};
+        "aboutButton",    "amountLabel",  "amountLabel",       "amountLabel",   "autoCropCheckBox",
+        "closeButton",    "exportButton", "fileNameLabel",     "fileSizeLabel", "gridCheckBox",
+        "imageSizeLabel", "openButton",   "preferencesButton", "resetButton",   "saveButton",
+        "sectionLabel",   "sectionLabel", "sliderLabel",       "sliderLabel",   "sliderLabel",
+        "stopButton"};
     QCOMPARE(texts, measured);
 }
 
@@ -701,10 +704,15 @@ void tst_HostLook::keys_do_what_a_click_does()
     QStringList dialogs;
     DialogWatcher watcher([&dialogs](QDialog* dialog) { dialogs << dialog->objectName(); });
     QTest::keyClick(child<QPushButton>("preferencesButton"), Qt::Key_Space);
-    QTest::keyClick(child<QPushButton>("aboutButton"), Qt::Key_Space);
     QTest::keyClick(child<QPushButton>("resetButton"), Qt::Key_Space);
-    QCOMPARE(dialogs.size(), 3);
+    QCOMPARE(dialogs.size(), 2);
     QCOMPARE(dialogs.first(), QStringLiteral("preferencesDialog"));
+
+    QTest::keyClick(child<QPushButton>("aboutButton"), Qt::Key_Space);
+    const QPointer<QWidget> about = m_window->findChild<QWidget*>(QStringLiteral("aboutDlg"));
+    QVERIFY(about && QTest::qWaitForWindowActive(about));
+    QTest::keyClick(about, Qt::Key_Escape);
+    QTRY_VERIFY(!about);
 }
 
 void tst_HostLook::keys_work_in_the_preferences()
@@ -821,6 +829,17 @@ void tst_HostLook::icons_use_all_pixels_of_the_screen()
         QVERIFY2(beyondBlocks > 100,
                  qPrintable(QStringLiteral("%1: %2").arg(file).arg(beyondBlocks)));
     }
+}
+
+void tst_HostLook::the_sizes_stand_in_line()
+{
+    const auto* image = child<QLabel>("imageSizeLabel");
+    const auto* file = child<QLabel>("fileSizeLabel");
+    QCOMPARE(file->font(), image->font());
+    QCOMPARE(place(file).top(), place(image).top());
+    QCOMPARE(place(file).height(), place(image).height());
+    QCOMPARE(place(file).left() - place(image).right(), 13);
+    QCOMPARE(place(image).left(), place(child<QLabel>("fileNameLabel")).left());
 }
 
 void tst_HostLook::the_tool_panel_stands_in_line()

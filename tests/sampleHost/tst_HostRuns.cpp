@@ -13,6 +13,8 @@
 #include <csignal>
 #include <optional>
 
+#include <unistd.h>
+
 namespace {
 
 QString home()
@@ -117,6 +119,8 @@ private Q_SLOTS:
     void without_the_logger_nothing_is_logged();
     void errors_only_if_the_level_says_so();
     void two_hosts_have_two_logs();
+    void a_full_disk_is_told_and_ends_it_data();
+    void a_full_disk_is_told_and_ends_it();
     void a_picture_is_handed_over();
     void a_line_that_makes_no_sense_is_handed_over();
     void nothing_is_handed_over();
@@ -260,6 +264,46 @@ void tst_HostRuns::two_hosts_have_two_logs()
     QCOMPARE(runScript(), 0);
     QCOMPARE(logTexts(2).filter(QStringLiteral("Opened ")).size(), 1);
     QTRY_COMPARE_WITH_TIMEOUT(logTexts().filter(QStringLiteral("Opened ")).size(), 1, 30000);
+}
+
+void tst_HostRuns::a_full_disk_is_told_and_ends_it_data()
+{
+    QTest::addColumn<bool>("acceptance");
+    QTest::newRow("for its user") << false;
+    QTest::newRow("in an acceptance run, where nobody is to be told") << true;
+}
+
+void tst_HostRuns::a_full_disk_is_told_and_ends_it()
+{
+    QFETCH(bool, acceptance);
+    // A home that has no space at all, and an alert that is only written down.
+    const QString users = m_dir->filePath(QStringLiteral("passwd"));
+    writeFile(users, "tester:x:" + QByteArray::number(getuid()) + ":0:Tester:/proc:/bin/sh\n");
+    const QString program = m_dir->filePath(QStringLiteral("zenity"));
+    const QString alerts = m_dir->filePath(QStringLiteral("alerts"));
+    writeFile(program, "#!/bin/sh\necho \"$4 $5\" >>'" + QFile::encodeName(alerts) + "'\n");
+    QVERIFY(QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner));
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("HOME"), QStringLiteral("/proc"));
+    environment.insert(QStringLiteral("NSS_WRAPPER_PASSWD"), users);
+    environment.insert(QStringLiteral("PATH"),
+                       m_dir->path() + QLatin1Char(':')
+                           + environment.value(QStringLiteral("PATH")));
+    const QString script = m_dir->filePath(QStringLiteral("case.js"));
+    writeFile(script, "scripting.log('hello')");
+
+    QProcess host;
+    host.setProcessEnvironment(environment);
+    host.start(QStringLiteral(SAMPLE_HOST),
+               acceptance ? QStringList{QStringLiteral("--script"), script}
+                          : QStringList{picture()});
+    QVERIFY(host.waitForFinished(60000));
+
+    QCOMPARE(host.exitCode(), acceptance ? 0 : 2);
+    QCOMPARE(readLines(alerts),
+             acceptance ? QStringList()
+                        : QStringList({"--title=Error --text=Vek Marlowick 3 cannot start since "
+                                       "there is not enough free space on your system disk."}));
 }
 
 /// Ends the host that writes this log, which isn't this process's child.

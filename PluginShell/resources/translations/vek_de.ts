@@ -101,7 +101,7 @@
     </message>
     <message>
         <source>Home &amp;Page</source>
-        <translation>&amp;Homepage</translation>
+        <translation>Home&amp;page</translation>
     </message>
 </context>
 <context>
@@ -272,7 +272,7 @@
     </message>
     <message>
         <source>Show in File &amp;Manager</source>
-        <translation>Im Datei&amp;manager zeigen</translation>
+        <translation>Im Datei&amp;manager anzeigen</translation>
     </message>
     <message>
         <source>Move to &amp;Trash…</source>

@@ -101,7 +101,7 @@
     </message>
     <message>
         <source>Home &amp;Page</source>
-        <translation>&amp;Page d’accueil</translation>
+        <translation>Page d’acc&amp;ueil</translation>
     </message>
 </context>
 <context>
@@ -240,27 +240,27 @@
     </message>
     <message>
         <source>It is not a ZIP archive.</source>
-        <translation>Ce n’est pas une archive ZIP.</translation>
+        <translation>Le fichier n’est pas une archive ZIP.</translation>
     </message>
     <message>
         <source>It would write outside its folder.</source>
-        <translation>Elle écrirait hors de son dossier.</translation>
+        <translation>L’archive écrirait hors de son dossier.</translation>
     </message>
     <message>
         <source>It contains something that cannot be unpacked here.</source>
-        <translation>Elle contient un élément qui ne peut pas être extrait ici.</translation>
+        <translation>L’archive contient un élément qui ne peut pas être extrait ici.</translation>
     </message>
     <message>
         <source>It would become too large.</source>
-        <translation>Son contenu serait trop volumineux.</translation>
+        <translation>Le contenu de l’archive serait trop volumineux.</translation>
     </message>
     <message>
         <source>It is damaged.</source>
-        <translation>Elle est endommagée.</translation>
+        <translation>L’archive est endommagée.</translation>
     </message>
     <message>
         <source>Its files cannot be written.</source>
-        <translation>Ses fichiers ne peuvent pas être écrits.</translation>
+        <translation>Les fichiers ne peuvent pas être écrits.</translation>
     </message>
     <message>
         <source>Export as &amp;ZIP…</source>
