@@ -22,6 +22,12 @@ install(FILES
     ${PROJECT_BINARY_DIR}/UtilsDllkrnv3ConfigVersion.cmake
     DESTINATION ${UTILSDLL_PACKAGE_DIR})
 
+if(UTILSDLL_SYSTEM_QTSOAP)
+    install(FILES cmake/FindQtSoap.cmake DESTINATION ${UTILSDLL_PACKAGE_DIR})
+    set(UTILSDLL_PC_QTSOAP_LIBS " ${QtSoap_LIBRARY}")
+    set(UTILSDLL_PC_QTSOAP_CFLAGS " -I${QtSoap_INCLUDE_DIR}")
+endif()
+
 # The pkg-config file finds its prefix from its own place, so that an install tree can be moved.
 file(RELATIVE_PATH UTILSDLL_PC_PREFIX
     /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
