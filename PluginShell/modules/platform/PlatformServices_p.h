@@ -6,11 +6,13 @@
 #include <QList>
 #include <QSizeF>
 #include <QString>
+#include <QStringList>
 #include <QUrl>
 
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 class CWindowFullScreenModeSwitchHandler_Abstract;
 class QMenu;
@@ -173,6 +175,21 @@ std::optional<Screen> mainScreen();
 
 /// \name Files
 /// @{
+
+struct FolderEntry
+{
+    QString name;
+    bool isFolder; ///< and no link to one
+};
+/// What is in a folder, in no order; nothing if it can't be read. Any thread.
+std::vector<FolderEntry> folderEntries(const QString& folder);
+
+/// Deletes files of a folder, or links and not what they lead to, one after the other and up to the
+/// first failure. Any thread.
+bool removeFiles(const QString& folder, const QStringList& names);
+
+/// Makes a symbolic link; the target is taken as it stands. Any thread.
+bool makeLink(const QString& target, const QString& link);
 
 /// Whether there is a trash that \a file could be moved to.
 bool hasTrash(const QString& file);

@@ -1,6 +1,8 @@
 #include "Archives.h"
 
+#include "ArchiveFile_p.h"
 #include "CommonConstants.h"
+#include "PlatformServices_p.h"
 
 #include <quazip/quazip.h>
 #include <quazip/quazipfile.h>
@@ -21,7 +23,7 @@ namespace VEK_NAMESPACE {
 namespace {
 
 constexpr quint64 sizeOfAnyRatio = 1 << 20;
-constexpr qint64 longestLinkTarget = 4096;
+constexpr qint64 longestPath = 4096;
 
 enum Method
 {
@@ -46,7 +48,7 @@ quint32 unixFileType(const QuaZipFileInfo64& info)
 
 bool isFolder(const QuaZipFileInfo64& info)
 {
-    return info.name.endsWith(QLatin1Char('/'));
+    return info.name.endsWith(QLatin1Char('/')) || unixFileType(info) == Folder;
 }
 
 /// Where an entry belongs, below the destination; empty if that can't be said of its name.
@@ -55,7 +57,8 @@ QString relativePath(const QString& name)
     const auto isSeparator = [](QChar c) {
         return c == QLatin1Char('/') || c == QLatin1Char('\\');
     };
-    if (name.isEmpty() || isSeparator(name.at(0)) || name.contains(QChar::Null))
+    if (name.isEmpty() || name.size() > longestPath || isSeparator(name.at(0))
+        || name.contains(QChar::Null))
         return {};
     QString parts = name;
     parts.replace(QLatin1Char('\\'), QLatin1Char('/'));
@@ -84,7 +87,9 @@ bool staysInside(const QString& path, const QString& target)
 
 bool exceedsRatio(quint64 unpacked, quint64 packed, quint64 ratio)
 {
-    return unpacked > sizeOfAnyRatio && unpacked / qMax<quint64>(ratio, 1) > packed;
+    ratio = qMax<quint64>(ratio, 1);
+    return unpacked > sizeOfAnyRatio
+        && (unpacked / ratio > packed || (unpacked / ratio == packed && unpacked % ratio != 0));
 }
 
 class Extraction
@@ -92,7 +97,8 @@ class Extraction
 public:
     Extraction(const QString& zipPath, const QString& destination, const ArchiveLimits& limits,
                const ArchiveProgressHandler& onProgress)
-        : m_zip(zipPath)
+        : m_file(zipPath)
+        , m_zip(&m_file)
         , m_destination(destination)
         , m_limits(limits)
         , m_onProgress(onProgress)
@@ -123,23 +129,34 @@ private:
     bool examine();
     bool examine(const QuaZipFileInfo64& info);
     bool examineLink(const QuaZipFileInfo64& info, const QString& path);
+    bool examineLinks();
     bool isBelowLink(const QString& path);
 
     bool extract();
     bool extract(const QuaZipFileInfo64& info);
     bool copy(QuaZipFile& entry, QFile& target, const QuaZipFileInfo64& info);
+    bool openNew(QFile& target, const QString& entry);
     bool makeFolder(const QString& path, const QString& entry);
     bool makeRoom(const QString& path, const QString& entry);
     bool makeLinks();
     bool report(const QString& entry);
+
+    /// Put together by hand: to Qt a name may mean a resource or one of the program's search paths.
+    QString place(const QString& path) const
+    {
+        const QString destination = m_destination.absolutePath();
+        return path == QLatin1String(".") ? destination : destination + QLatin1Char('/') + path;
+    }
 
     struct StoredLink
     {
         QString entry;
         QString path;
         QString target;
+        quint64 size;
     };
 
+    ArchiveFile m_file;
     QuaZip m_zip;
     const QDir m_destination;
     const ArchiveLimits m_limits;
@@ -147,6 +164,7 @@ private:
 
     ArchiveResult m_result;
     ArchiveProgress m_progress;
+    quint64 m_packed = 0; ///< bytes of the entries so far
     QSet<QString> m_realFolders; ///< below the destination, and no links, or not there yet
     QSet<QString> m_madeFolders;
     QList<StoredLink> m_links;
@@ -168,13 +186,16 @@ bool Extraction::examine()
         if (!examine(info))
             return false;
     }
+    // After 65,535 entries, which is also the mark of ZIP64, the end looks like damage.
+    if (m_zip.getZipError() != UNZ_OK && entries != quint64(m_zip.getEntriesCount()))
+        return fail(ArchiveError::Damaged, {}, QStringLiteral("Its table of contents is damaged"));
     if (entries == 0)
         return fail(ArchiveError::NotAnArchive, {}, QStringLiteral("It has no entries"));
-    if (m_zip.getZipError() != UNZ_OK)
-        return fail(ArchiveError::Damaged, {}, QStringLiteral("Its table of contents is damaged"));
+    if (!examineLinks())
+        return false;
     m_progress.totalEntries = entries;
 
-    const auto packed = quint64(QFileInfo(m_zip.getZipName()).size());
+    const auto packed = quint64(m_file.size());
     if (exceedsRatio(m_progress.totalBytes, packed, m_limits.compressionRatio)) {
         return fail(
             ArchiveError::TooCompressed, {},
@@ -186,11 +207,11 @@ bool Extraction::examine()
 bool Extraction::examine(const QuaZipFileInfo64& info)
 {
     const QString path = relativePath(info.name);
-    if (path.isEmpty() || (path == QLatin1String(".") && !isFolder(info))) {
+    if (path.isEmpty() || (path == QLatin1String(".") && !info.name.endsWith(QLatin1Char('/')))) {
         return fail(ArchiveError::UnsafeName, info.name,
                     QStringLiteral("Its name leads out of the destination"));
     }
-    if (isBelowLink(path)) {
+    if (isBelowLink(isFolder(info) ? path + QLatin1Char('/') : path)) {
         return fail(ArchiveError::UnsafeName, info.name,
                     QStringLiteral("A folder on the way to it is a symbolic link"));
     }
@@ -206,6 +227,19 @@ bool Extraction::examine(const QuaZipFileInfo64& info)
         return fail(ArchiveError::UnsupportedEntry, info.name,
                     QStringLiteral("It is neither a file, a folder nor a link"));
     }
+
+    // Folders that are only in the way to something count too, and what is packed is packed once.
+    if (quint64(m_realFolders.size()) > m_limits.entryCount) {
+        return fail(ArchiveError::TooManyEntries, info.name,
+                    QStringLiteral("With it, there would be more than %1 folders")
+                        .arg(m_limits.entryCount));
+    }
+    const auto archiveSize = quint64(m_file.size());
+    if (info.compressedSize > archiveSize || m_packed > archiveSize - info.compressedSize) {
+        return fail(ArchiveError::TooCompressed, info.name,
+                    QStringLiteral("It shares its data with other entries"));
+    }
+    m_packed += info.compressedSize;
 
     if (info.uncompressedSize > m_limits.totalSize
         || m_progress.totalBytes > m_limits.totalSize - info.uncompressedSize) {
@@ -226,20 +260,33 @@ bool Extraction::examine(const QuaZipFileInfo64& info)
 bool Extraction::examineLink(const QuaZipFileInfo64& info, const QString& path)
 {
     QByteArray target;
-    if (info.uncompressedSize <= longestLinkTarget) {
+    if (info.uncompressedSize <= longestPath) {
         QuaZipFile entry(&m_zip);
-        if (entry.open(QIODevice::ReadOnly))
-            target = entry.read(longestLinkTarget);
+        if (!entry.open(QIODevice::ReadOnly))
+            return fail(ArchiveError::Damaged, info.name, QStringLiteral("It can't be read"));
+        target = entry.read(longestPath);
         entry.close();
-        if (entry.getZipError() != UNZ_OK)
+        if (entry.getZipError() != UNZ_OK || quint64(target.size()) != info.uncompressedSize)
             return fail(ArchiveError::Damaged, info.name, QStringLiteral("It is damaged"));
     }
     const QString decoded = QFile::decodeName(target);
-    if (isFolder(info) || !staysInside(path, decoded)) {
+    if (isFolder(info) || target.contains('\0') || !staysInside(path, decoded)) {
         return fail(ArchiveError::UnsafeLink, info.name,
                     QStringLiteral("The link leads out of the destination, or by a detour"));
     }
-    m_links.append({info.name, path, decoded});
+    m_links.append({info.name, path, decoded, info.uncompressedSize});
+    return true;
+}
+
+/// Nothing may lie below a link: it would be somewhere else.
+bool Extraction::examineLinks()
+{
+    for (const StoredLink& link : qAsConst(m_links)) {
+        if (m_realFolders.contains(link.path)) {
+            return fail(ArchiveError::UnsafeLink, link.entry,
+                        QStringLiteral("Another entry lies below the link"));
+        }
+    }
     return true;
 }
 
@@ -255,7 +302,7 @@ bool Extraction::isBelowLink(const QString& path)
         unknown.append(folder);
     }
     for (const QString& folder : qAsConst(unknown)) {
-        if (QFileInfo(m_destination.filePath(folder)).isSymLink())
+        if (QFileInfo(place(folder)).isSymLink())
             return true;
     }
     for (const QString& folder : qAsConst(unknown))
@@ -275,16 +322,16 @@ bool Extraction::extract()
         if (!report(info.name) || !extract(info))
             return false;
     }
-    if (!makeLinks())
-        return false;
 
-    // What is in a folder comes first; one that can't be written to takes nothing more.
+    // What is in a folder comes first: one that can't be written to takes nothing more.
     std::for_each(m_folderPermissions.crbegin(), m_folderPermissions.crend(),
                   [](const auto& folder) {
                       QFile::setPermissions(folder.first,
                                             folder.second | QFile::ReadOwner | QFile::WriteOwner
                                                 | QFile::ExeOwner);
                   });
+    if (!makeLinks())
+        return false;
     m_progress.entries = m_progress.totalEntries;
     return report({});
 }
@@ -294,22 +341,23 @@ bool Extraction::extract(const QuaZipFileInfo64& info)
     if (unixFileType(info) == Link)
         return true; // later
 
-    const QString path = m_destination.absoluteFilePath(relativePath(info.name));
+    const QString path = place(relativePath(info.name));
     const QFile::Permissions permissions = info.getPermissions();
     if (isFolder(info)) {
         if (!makeFolder(path, info.name))
             return false;
+        m_progress.bytes += info.uncompressedSize;
         if (permissions)
             m_folderPermissions.append({path, permissions});
     } else {
-        if (!makeFolder(QFileInfo(path).absolutePath(), info.name) || !makeRoom(path, info.name))
+        if (!makeFolder(QFileInfo(path).absolutePath(), info.name))
             return false;
         QuaZipFile entry(&m_zip);
         if (!entry.open(QIODevice::ReadOnly))
             return fail(ArchiveError::Damaged, info.name, QStringLiteral("It can't be read"));
         QFile target(path);
-        if (!target.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-            return fail(ArchiveError::WriteFailed, info.name, target.errorString());
+        if (!openNew(target, info.name))
+            return false;
         if (!copy(entry, target, info)) {
             target.remove();
             return false;
@@ -341,8 +389,25 @@ bool Extraction::copy(QuaZipFile& entry, QFile& target, const QuaZipFileInfo64& 
     entry.close(); // compares the check sum
     if (entry.getZipError() != UNZ_OK || copied != info.uncompressedSize)
         return fail(ArchiveError::Damaged, info.name, QStringLiteral("It is damaged"));
-    target.close();
     return true;
+}
+
+bool Extraction::openNew(QFile& target, const QString& entry)
+{
+    const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Unbuffered;
+#if QT_VERSION >= QT_VERSION_CHECK(5, 11, 0)
+    // Nothing can come into its place between looking and opening.
+    if (target.open(mode | QIODevice::NewOnly))
+        return true;
+    if (!makeRoom(target.fileName(), entry))
+        return false;
+    return target.open(mode | QIODevice::NewOnly)
+        || fail(ArchiveError::WriteFailed, entry, target.errorString());
+#else
+    if (!makeRoom(target.fileName(), entry))
+        return false;
+    return target.open(mode) || fail(ArchiveError::WriteFailed, entry, target.errorString());
+#endif
 }
 
 bool Extraction::makeFolder(const QString& path, const QString& entry)
@@ -372,14 +437,20 @@ bool Extraction::makeRoom(const QString& path, const QString& entry)
 bool Extraction::makeLinks()
 {
     for (const StoredLink& link : qAsConst(m_links)) {
-        const QString path = m_destination.absoluteFilePath(link.path);
+        const QString path = place(link.path);
+        m_realFolders.clear(); // a file system may take two names for one
+        if (isBelowLink(link.path)) {
+            return fail(ArchiveError::UnsafeLink, link.entry,
+                        QStringLiteral("A folder on the way to it is a symbolic link"));
+        }
         if (!report(link.entry) || !makeFolder(QFileInfo(path).absolutePath(), link.entry)
             || !makeRoom(path, link.entry)) {
             return false;
         }
-        if (!QFile::link(link.target, path))
+        if (!Platform::makeLink(link.target, path))
             return fail(ArchiveError::WriteFailed, link.entry,
                         QStringLiteral("The link can't be made"));
+        m_progress.bytes += link.size;
         ++m_progress.entries;
         ++m_result.extractedEntries;
     }

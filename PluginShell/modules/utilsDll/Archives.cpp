@@ -1,5 +1,6 @@
 #include "Archives.h"
 
+#include "ArchiveFile_p.h"
 #include "CommonConstants.h"
 
 #include <quazip/JlCompress.h>
@@ -21,10 +22,13 @@ bool copy(QuaZipFile& entry, QFile& target)
         if (size <= 0 || target.write(buffer, size) != size)
             return false;
     }
-    return entry.getZipError() == UNZ_OK;
+    // What is still buffered is part of the copy: on a full disk it fails here, and not when the
+    // target is closed.
+    return entry.getZipError() == UNZ_OK && target.flush();
 }
 
-bool extractCurrentEntry(QuaZip& zip, const QDir& destination)
+/// \a madeFolder is the folder that is known to be there.
+bool extractCurrentEntry(QuaZip& zip, const QDir& destination, QString& madeFolder)
 {
     if (zip.getMode() != QuaZip::mdUnzip)
         return false;
@@ -32,21 +36,23 @@ bool extractCurrentEntry(QuaZip& zip, const QDir& destination)
     if (!entry.open(QIODevice::ReadOnly) || entry.getZipError() != UNZ_OK)
         return false;
 
-    const QString path = destination.absoluteFilePath(zip.getCurrentFileName());
-    if (!destination.mkpath(QFileInfo(path).absolutePath()))
-        return false;
     QuaZipFileInfo64 info;
-    if (!zip.getCurrentFileInfo(&info))
+    const bool known = zip.getCurrentFileInfo(&info);
+    const QString path = destination.absoluteFilePath(known ? info.name : zip.getCurrentFileName());
+    const QString folder = QFileInfo(path).absolutePath();
+    if (folder != madeFolder && !destination.mkpath(folder))
+        return false;
+    madeFolder = folder;
+    if (!known)
         return false;
 
     const QFile::Permissions permissions = info.getPermissions();
     if (permissions && path.endsWith(QLatin1Char('/')) && QFileInfo(path).isDir())
         QFile::setPermissions(path, permissions);
 
-    // A folder can't be opened, and so its entry fails; that is meant. Unbuffered: a full disk
-    // makes the write fail, and not only a later close.
+    // A folder can't be opened, and so its entry fails; that is meant.
     QFile target(path);
-    if (!target.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+    if (!target.open(QIODevice::WriteOnly))
         return false;
     if (!copy(entry, target)) {
         target.close();
@@ -66,13 +72,15 @@ bool extractCurrentEntry(QuaZip& zip, const QDir& destination)
 
 bool DecompressFiles(const std::wstring& zipPath, const std::wstring& destination)
 {
-    QuaZip zip(QString::fromStdWString(zipPath));
+    VEK_NAMESPACE::ArchiveFile file(QString::fromStdWString(zipPath));
+    QuaZip zip(&file);
     if (!zip.open(QuaZip::mdUnzip))
         return false;
     const QDir folder(QString::fromStdWString(destination));
+    QString madeFolder;
     bool extracted = zip.goToFirstFile();
     for (bool more = extracted; more; more = zip.goToNextFile()) {
-        if (!extractCurrentEntry(zip, folder))
+        if (!extractCurrentEntry(zip, folder, madeFolder))
             extracted = false;
     }
     zip.close();
@@ -90,7 +98,7 @@ void DecompressFiles(const QString& zipPath, const QString& destination)
 {
     const QDir folder(destination);
     if (!folder.exists())
-        folder.mkpath(destination);
+        folder.mkpath(QStringLiteral("."));
     JlCompress::extractDir(zipPath, destination);
 }
 

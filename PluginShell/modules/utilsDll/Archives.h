@@ -40,7 +40,7 @@ UTILSDLL_EXPORT void DecompressFiles(const QString& zipPath, const QString& dest
 struct ArchiveLimits
 {
     quint64 totalSize = Q_UINT64_C(16) << 30;
-    quint64 entryCount = 100000;
+    quint64 entryCount = 100000; ///< and the folders on the way to them as many again
     /// Unpacked by packed size, of each entry and of the archive as a whole. Up to 1 MiB every
     /// ratio is fine.
     quint64 compressionRatio = 200;
@@ -50,12 +50,12 @@ enum class ArchiveError
 {
     None,
     NotAnArchive, ///< missing, unreadable, not a ZIP archive, or one without entries
-    UnsafeName, ///< an entry that would be written outside the destination
-    UnsafeLink, ///< a symbolic link that leads out of the destination, or by a detour
+    UnsafeName, ///< an entry that would be written outside the destination, or a name above 4096
+    UnsafeLink, ///< a symbolic link that leads out, or by a detour, or that entries lie below
     UnsupportedEntry, ///< encrypted, packed in an unknown way, or a device, pipe or socket
     TooManyEntries,
     TooLarge,
-    TooCompressed,
+    TooCompressed, ///< also entries that share their data
     Damaged,
     WriteFailed, ///< no space, no rights, or a folder in a file's place
     Stopped ///< by the caller

@@ -10,12 +10,18 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <vector>
 
 namespace VEK_NAMESPACE {
 
 namespace {
 
 constexpr int longestNamePart = 256;
+
+QStringList anyName()
+{
+    return {QStringLiteral("*")};
+}
 
 QString comparedText(const QFileInfo& file, FileCompareCondition condition)
 {
@@ -32,23 +38,36 @@ QString comparedText(const QFileInfo& file, FileCompareCondition condition)
     return {};
 }
 
+bool removeContent(const QString& folder, const QStringList& nameFilters)
+{
+    std::vector<Platform::FolderEntry> entries = Platform::folderEntries(folder);
+    std::sort(entries.begin(), entries.end(),
+              [](const Platform::FolderEntry& a, const Platform::FolderEntry& b) {
+                  return a.isFolder != b.isFolder ? a.isFolder : a.name < b.name;
+              });
+
+    const bool anyFile = nameFilters == anyName();
+    bool empty = true;
+    QStringList files;
+    for (const Platform::FolderEntry& entry : entries) {
+        // Filters are for files only, as QDir has it.
+        if (!entry.isFolder && !anyFile && !QDir::match(nameFilters, entry.name))
+            continue;
+        empty = false;
+        if (!entry.isFolder)
+            files << entry.name;
+        else if (!removeContent(folder + QLatin1Char('/') + entry.name, anyName()))
+            return false;
+    }
+    // Nothing to delete is a failure, which is meant.
+    return !empty && Platform::removeFiles(folder, files);
+}
+
 } // namespace
 
 bool removeDirectoryContent(QDir const& directory)
 {
-    if (!directory.exists())
-        return false;
-    const QFileInfoList entries = directory.entryInfoList(QDir::Files | QDir::AllDirs | QDir::Hidden
-                                                              | QDir::System | QDir::NoDotAndDotDot,
-                                                          QDir::DirsFirst);
-    if (entries.isEmpty())
-        return false; // nothing to delete is a failure, which is meant
-    return std::all_of(entries.begin(), entries.end(), [](const QFileInfo& entry) {
-        const QString path = entry.absoluteFilePath();
-        // A link to a folder is listed as a folder, and isn't one of this tree.
-        return entry.isDir() && !entry.isSymLink() ? removeDirectoryContent(QDir(path))
-                                                   : QFile::remove(path);
-    });
+    return directory.exists() && removeContent(directory.absolutePath(), directory.nameFilters());
 }
 
 bool isEqualFileOrDirNames(QFileInfo const& first, QFileInfo const& second,

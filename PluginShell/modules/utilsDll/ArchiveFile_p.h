@@ -1,0 +1,89 @@
+#pragma once
+
+#include "UtilsDllGlobal.h"
+
+#include <QFile>
+#include <QIODevice>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace VEK_NAMESPACE {
+
+/// An archive's file, for reading. Its table of contents and its entries are read by turns, a few
+/// bytes at a time, so each of the two has a window of its own; a QFile would read both again and
+/// again.
+class ArchiveFile : public QIODevice
+{
+public:
+    explicit ArchiveFile(const QString& path)
+        : m_file(path)
+    {}
+
+    bool open(OpenMode mode) override
+    {
+        return mode == ReadOnly && m_file.open(ReadOnly | Unbuffered)
+            && QIODevice::open(ReadOnly | Unbuffered);
+    }
+
+    void close() override
+    {
+        QIODevice::close();
+        m_file.close();
+    }
+
+    qint64 size() const override { return m_file.size(); }
+
+protected:
+    qint64 readData(char* data, qint64 maxSize) override
+    {
+        qint64 read = 0;
+        while (read < maxSize) {
+            const qint64 at = pos() + read;
+            const Window* window = windowAt(at);
+            if (!window)
+                break;
+            const qint64 size = std::min(maxSize - read, window->start + window->size - at);
+            std::memcpy(data + read, window->bytes.data() + (at - window->start), size_t(size));
+            read += size;
+        }
+        return read > 0 || maxSize == 0 ? read : -1;
+    }
+
+    qint64 writeData(const char*, qint64) override { return -1; }
+
+private:
+    struct Window
+    {
+        qint64 start = 0;
+        qint64 size = 0;
+        std::array<char, 32768> bytes;
+
+        bool holds(qint64 at) const { return at >= start && at < start + size; }
+    };
+
+    /// The window that holds the byte at that place; null at the end, and if it can't be read.
+    const Window* windowAt(qint64 at)
+    {
+        if (m_windows[m_recent].holds(at))
+            return &m_windows[m_recent];
+        m_recent = 1 - m_recent; // the one that wasn't used last makes room
+        Window& window = m_windows[m_recent];
+        if (window.holds(at))
+            return &window;
+        window.size = 0;
+        if (!m_file.seek(at))
+            return nullptr;
+        window.start = at;
+        window.size =
+            std::max<qint64>(m_file.read(window.bytes.data(), qint64(window.bytes.size())), 0);
+        return window.size > 0 ? &window : nullptr;
+    }
+
+    QFile m_file;
+    std::array<Window, 2> m_windows;
+    size_t m_recent = 0;
+};
+
+} // namespace VEK_NAMESPACE
