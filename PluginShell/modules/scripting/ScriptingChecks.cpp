@@ -155,12 +155,13 @@ bool CScripting::isEqualFiles(const QString& pathToFile1, const QString& pathToF
     }
 
     // Whole blocks are compared: behind a short last one lie equal bytes of the block before.
-    std::array<char, 512> block1 = {};
-    std::array<char, 512> block2 = {};
+    std::array<char, 32768> block1 = {};
+    std::array<char, 32768> block2 = {};
     while (!file1.atEnd() && !file2.atEnd()) {
         const qint64 count1 = file1.read(block1.data(), qint64(block1.size()));
         const qint64 count2 = file2.read(block2.data(), qint64(block2.size()));
-        if (count1 != count2 || std::memcmp(block1.data(), block2.data(), block1.size()) != 0)
+        if (count1 < 0 || count1 != count2
+            || std::memcmp(block1.data(), block2.data(), block1.size()) != 0)
             return false;
     }
     return true;
