@@ -362,7 +362,8 @@ QtSoapArrayIterator::QtSoapArrayIterator(const QtSoapArrayIterator& other)
 
 QtSoapArrayIterator& QtSoapArrayIterator::operator=(const QtSoapArrayIterator& other)
 {
-    m_data.reset(new Data(*other.m_data));
+    QScopedPointer<Data> copy(new Data(*other.m_data));
+    m_data.swap(copy);
     return *this;
 }
 

@@ -242,7 +242,8 @@ QtSoapStructIterator::QtSoapStructIterator(const QtSoapStructIterator& other)
 
 QtSoapStructIterator& QtSoapStructIterator::operator=(const QtSoapStructIterator& other)
 {
-    m_data.reset(new Data(*other.m_data));
+    QScopedPointer<Data> copy(new Data(*other.m_data));
+    m_data.swap(copy);
     return *this;
 }
 

@@ -184,12 +184,12 @@ bool QtSoapAccess::contains(const QtSoapType& value, const QtSoapType& part)
     while (!pending.isEmpty()) {
         const QtSoapType* container = pending.takeLast();
         if (const auto* structure = dynamic_cast<const QtSoapStruct*>(container)) {
-            for (const StructData::Member& member : structure->m_data->members) {
+            for (const StructData::Member& member : qAsConst(structure->m_data->members)) {
                 if (visit(member.value.get()))
                     return true;
             }
         } else if (const auto* array = dynamic_cast<const QtSoapArray*>(container)) {
-            for (const ValuePointer& member : array->m_data->members) {
+            for (const ValuePointer& member : qAsConst(array->m_data->members)) {
                 if (visit(member.get()))
                     return true;
             }
@@ -241,7 +241,7 @@ void QtSoapType::clear()
     *m_extra = left;
 }
 
-bool QtSoapType::parse(QDomNode node)
+bool QtSoapType::parse(QDomNode node) // NOLINT(performance-unnecessary-value-param): public
 {
     return soap::parse(*this, node, soap::Kind::Base);
 }

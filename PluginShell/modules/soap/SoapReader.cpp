@@ -274,7 +274,7 @@ ValuePointer Reader::readTarget(int element, const QtSoapQName& type, bool isCop
     ++m_budget.depth;
     const qint64 before = m_budget.made + m_budget.repeated;
     m_beingRead.insert(element);
-    const ValuePointer value =
+    ValuePointer value =
         isReference(element) ? readReference(element, type) : readElement(element, type);
     m_beingRead.remove(element);
     --m_budget.depth;
@@ -320,14 +320,12 @@ ValuePointer Reader::readElement(int element, const QtSoapQName& type)
         || !m_tree.attribute(element, QStringLiteral("arrayType"), encodingUri()).isNull();
     ValuePointer value;
     bool isRead = false;
-    if (isNull(element)) {
-        value = ValuePointer(new QtSoapSimpleType);
-        isRead = fill(*value, element, Kind::Simple, declared);
-    } else if (isArray) {
+    const bool isStruct =
+        known == QtSoapType::Struct || (known == QtSoapType::Other && m_tree.hasChildren(element));
+    if (isArray && !isNull(element)) {
         value = ValuePointer(new QtSoapArray);
         isRead = fill(*value, element, Kind::Array, declared);
-    } else if (known == QtSoapType::Struct
-               || (known == QtSoapType::Other && m_tree.hasChildren(element))) {
+    } else if (isStruct && !isNull(element)) {
         value = ValuePointer(new QtSoapStruct);
         isRead = fill(*value, element, Kind::Struct, declared);
     } else {

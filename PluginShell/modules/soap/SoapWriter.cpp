@@ -53,7 +53,7 @@ bool isName(const QString& text)
 
 QString qualifiedName(const QtSoapQName& name)
 {
-    const QString local = toXmlName(name.name().isEmpty() ? QStringLiteral("item") : name.name());
+    QString local = toXmlName(name.name().isEmpty() ? QStringLiteral("item") : name.name());
     if (name.uri().isEmpty())
         return local;
     return QtSoapNamespaces::instance().prefixFor(name.uri()) + QLatin1Char(':') + local;
@@ -382,7 +382,7 @@ void markAsNull(QDomElement& element)
 
 QString qualify(QDomElement& element, const QtSoapQName& name)
 {
-    const QString local = toXmlName(name.name());
+    QString local = toXmlName(name.name());
     if (name.uri().isEmpty())
         return local;
     const QString prefix = QtSoapNamespaces::instance().prefixFor(name.uri());

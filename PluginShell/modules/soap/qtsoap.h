@@ -12,6 +12,8 @@
 
 #include <atomic>
 
+// clazy:excludeall=overloaded-signal
+
 class QNetworkAccessManager;
 class QNetworkReply;
 class QtSoapArray;

@@ -74,7 +74,8 @@ bool staysInside(const QString& path, const QString& target)
         return false;
     int above = path.count(QLatin1Char('/'));
     bool down = false;
-    for (const QString& part : target.split(QLatin1Char('/'))) {
+    const QStringList parts = target.split(QLatin1Char('/'));
+    for (const QString& part : parts) {
         if (part == QLatin1String("..")) {
             if (down || --above < 0)
                 return false;

@@ -35,8 +35,7 @@ void CErrStrings::Retranslate()
     m_outOfMemoryInPhotoshopText =
         QObject::tr("%1 has run out of memory. The application may now become unstable. Please "
                     "close %2 and Photoshop, quit all other programs running, and try again.")
-            .arg(g_appTitle)
-            .arg(g_appTitle); // one after the other: a translation may use a place twice
+            .arg(g_appTitle, g_appTitle);
     m_unhandledExceptionText = QObject::tr("Unhandled exception. Program will be closed.");
 
     replace(m_errorTitleRef, Platform::makeAlertText(m_errorTitle));
