@@ -159,6 +159,7 @@ private Q_SLOTS:
     void linksThatAreThereAlreadyLeadNowhere_data();
     void linksThatAreThereAlreadyLeadNowhere();
     void aFolderBehindALinkKeepsItsPermissions();
+    void theDestinationMayBeALink();
     void aLinkBelowALinkOfTheArchiveIsRefused();
     void nothingMayLieBelowALinkOfTheArchive_data();
     void nothingMayLieBelowALinkOfTheArchive();
@@ -724,6 +725,21 @@ void tst_ArchiveExtraction::aFolderBehindALinkKeepsItsPermissions()
         ExtractArchive(zipPath, destination);
         QCOMPARE(QByteArray::number(modeOf("out/o"), 8), QByteArray("750"));
     }
+}
+
+void tst_ArchiveExtraction::theDestinationMayBeALink()
+{
+    const Sandbox sandbox;
+    makeFolder("out/o");
+    makeLink("o", "out/d");
+    ArchiveWriter archive;
+    archive.add("./", {}, 040755);
+    archive.add("a", "1");
+    archive.add("f/x", "2");
+    QVERIFY(archive.write(zipPath));
+    const ArchiveResult result = ExtractArchive(zipPath, destination);
+    QVERIFY2(result, qPrintable(result.reason));
+    QCOMPARE(out(), (QStringList{"d -> o", "o/", "o/a = 1", "o/f/", "o/f/x = 2"}));
 }
 
 void tst_ArchiveExtraction::aLinkBelowALinkOfTheArchiveIsRefused()

@@ -208,11 +208,13 @@ bool Extraction::examine()
 bool Extraction::examine(const QuaZipFileInfo64& info)
 {
     const QString path = relativePath(info.name);
-    if (path.isEmpty() || (path == QLatin1String(".") && !info.name.endsWith(QLatin1Char('/')))) {
+    const bool isDestination = path == QLatin1String(".");
+    if (path.isEmpty() || (isDestination && !info.name.endsWith(QLatin1Char('/')))) {
         return fail(ArchiveError::UnsafeName, info.name,
                     QStringLiteral("Its name leads out of the destination"));
     }
-    if (isBelowLink(isFolder(info) ? path + QLatin1Char('/') : path)) {
+    // The destination itself may be one.
+    if (isBelowLink(isFolder(info) && !isDestination ? path + QLatin1Char('/') : path)) {
         return fail(ArchiveError::UnsafeName, info.name,
                     QStringLiteral("A folder on the way to it is a symbolic link"));
     }
