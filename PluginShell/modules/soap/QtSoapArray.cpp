@@ -362,8 +362,8 @@ QtSoapArrayIterator::QtSoapArrayIterator(const QtSoapArrayIterator& other)
 
 QtSoapArrayIterator& QtSoapArrayIterator::operator=(const QtSoapArrayIterator& other)
 {
-    QScopedPointer<Data> copy(new Data(*other.m_data));
-    m_data.swap(copy);
+    if (this != &other)
+        m_data.reset(new Data(*other.m_data));
     return *this;
 }
 

@@ -242,8 +242,8 @@ QtSoapStructIterator::QtSoapStructIterator(const QtSoapStructIterator& other)
 
 QtSoapStructIterator& QtSoapStructIterator::operator=(const QtSoapStructIterator& other)
 {
-    QScopedPointer<Data> copy(new Data(*other.m_data));
-    m_data.swap(copy);
+    if (this != &other)
+        m_data.reset(new Data(*other.m_data));
     return *this;
 }
 
