@@ -3,10 +3,11 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QEvent>
-#include <QStorageInfo>
+#include <QFile>
 
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <new>
 
 namespace {
@@ -58,8 +59,10 @@ FatalErrors::~FatalErrors()
 
 bool FatalErrors::hasFreeSpace(const QString& folder, qint64 bytes) const
 {
-    const QStorageInfo disk(existingFolder(folder));
-    if (!disk.isValid() || disk.bytesAvailable() >= bytes)
+    std::error_code unknown;
+    const auto disk =
+        std::filesystem::space(QFile::encodeName(existingFolder(folder)).constData(), unknown);
+    if (unknown || qint64(disk.available) >= bytes)
         return true;
     m_messages.ShowSmallFreeSpaceDialog();
     return false;
