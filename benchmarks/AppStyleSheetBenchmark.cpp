@@ -102,7 +102,7 @@ void setAppStyleSheetOfTheProduct(benchmark::State& state)
             [&] { return secondsToSet([&] { qApp->setStyleSheet(text); }); }));
     }
     qApp->setStyleSheet(QString());
-    state.counters["library_ms"] = times.library() * 1e3;
+    state.counters["library_ms"] = times.ours() * 1e3;
     state.counters["peer_ms"] = times.peer() * 1e3;
     state.counters["ratio"] = times.ratio();
 }

@@ -27,7 +27,7 @@ public:
         return libraryTime;
     }
 
-    double library() const { return median(m_library); }
+    double ours() const { return median(m_library); }
     double peer() const { return median(m_peer); }
     double ratio() const { return median(m_ratio); }
     double difference() const { return median(m_difference); }
