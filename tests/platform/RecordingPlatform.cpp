@@ -4,6 +4,7 @@ namespace {
 
 using VEK_NAMESPACE::Platform::FloatingWhileActive;
 using VEK_NAMESPACE::Platform::Observer;
+using VEK_NAMESPACE::Platform::Watch;
 using VEK_NAMESPACE::Platform::WindowId;
 using VEK_NAMESPACE::Platform::WindowLevel;
 
@@ -37,22 +38,32 @@ void recordQuestion(const char* name, WindowId id)
         record(name, id);
 }
 
-class RecordingObserver : public FloatingWhileActive
+template <typename Interface>
+class Recording : public Interface
 {
 public:
-    RecordingObserver()
+    Recording()
         : m_name(QStringLiteral("observer %1").arg(++RecordingPlatform::instance().observers))
     {}
-    ~RecordingObserver() override { record(m_name + QStringLiteral(" is released")); }
+    ~Recording() override { recordOwn(QStringLiteral("is released")); }
 
-    void stop() override { record(m_name + QStringLiteral(" stops")); }
-    void setWindow(WindowId id) override
-    {
-        record(m_name + QStringLiteral(" gets window %1").arg(id));
-    }
+protected:
+    void recordOwn(const QString& doing) const { record(m_name + QLatin1Char(' ') + doing); }
 
 private:
     const QString m_name;
+};
+
+class RecordingObserver : public Recording<Observer>
+{
+public:
+    void stop() override { recordOwn(QStringLiteral("stops")); }
+};
+
+class RecordingFloatingWhileActive : public Recording<FloatingWhileActive>
+{
+public:
+    void setWindow(WindowId id) override { recordOwn(QStringLiteral("gets window %1").arg(id)); }
 };
 
 } // namespace
@@ -165,17 +176,16 @@ void activateApplication(const QWidget& window)
         platform.onActivation();
 }
 
-std::unique_ptr<Observer> observeResign(std::function<void()> onResign)
+std::unique_ptr<Watch> observeResign()
 {
     record(QStringLiteral("observeResign"));
-    RecordingPlatform::instance().onResign = std::move(onResign);
-    return std::make_unique<RecordingObserver>();
+    return std::make_unique<Recording<Watch>>();
 }
 
 std::unique_ptr<FloatingWhileActive> floatWhileActive(WindowId id)
 {
     record("floatWhileActive", id);
-    return std::make_unique<RecordingObserver>();
+    return std::make_unique<RecordingFloatingWhileActive>();
 }
 
 void setMenuBarEnabled(bool enable)

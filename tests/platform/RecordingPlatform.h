@@ -34,7 +34,6 @@ struct RecordingPlatform
     CWindowFullScreenModeSwitchHandler_Abstract* handler = nullptr; ///< the one passed last
     QWidget const* activatedWidget = nullptr; ///< the one passed last
     QMenu const* cancelledMenu = nullptr; ///< the one passed last
-    std::function<void()> onResign; ///< the one passed last
     std::function<void()> onActivation; ///< runs while the application is activated
 
     int observers = 0; ///< made since; each has its number from 1 on

@@ -4,7 +4,7 @@
 
 #include "ApplicationParametersHandler.h"
 #include "CommonConstants.h"
-#include "PlatformServices_p.h"
+#include "linux/Notifications_p.h"
 #include "linux/SessionBus_p.h"
 
 #include <QCoreApplication>

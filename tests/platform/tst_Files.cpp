@@ -1,7 +1,7 @@
 #include "CommonConstants.h"
 #include "CurrentFolder.h"
 #include "Files.h"
-#include "PlatformServices_p.h"
+#include "linux/Notifications_p.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>

@@ -188,7 +188,6 @@ private Q_SLOTS:
     void noPathToLaunch();
 
     void deactivatorObserves();
-    void deactivatorClosesPopups();
     void closedPopups_data();
     void closedPopups();
     void popupOfAComboBox();
@@ -598,18 +597,6 @@ void tst_WindowServicesLogic::deactivatorObserves()
     QCOMPARE(platform().calls,
              QStringList({QStringLiteral("observer 2 is released"),
                           QStringLiteral("observer 1 is released")}));
-}
-
-void tst_WindowServicesLogic::deactivatorClosesPopups()
-{
-    const TopLevelWindowDeactivator deactivator;
-    QMenu menu;
-    menu.addAction(QStringLiteral("entry"));
-    menu.popup(QPoint());
-    QVERIFY(menu.isVisible());
-    QVERIFY(platform().onResign);
-    platform().onResign();
-    QVERIFY(!menu.isVisible());
 }
 
 void tst_WindowServicesLogic::closedPopups_data()

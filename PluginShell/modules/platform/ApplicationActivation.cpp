@@ -11,8 +11,7 @@ using namespace VEK_NAMESPACE;
 
 struct Q_DECL_HIDDEN TopLevelWindowDeactivator::Private
 {
-    std::unique_ptr<Platform::Observer> resignObserver =
-        Platform::observeResign([] { deactivateAllTopLevelWidgets(); });
+    std::unique_ptr<Platform::Watch> resignObserver = Platform::observeResign();
 };
 
 TopLevelWindowDeactivator::TopLevelWindowDeactivator()

@@ -5,62 +5,12 @@
 #include "PlatformServices_p.h"
 
 #include <QCoreApplication>
-#include <QFile>
-#include <QUuid>
 
 using namespace VEK_NAMESPACE;
 
-namespace {
-
-/// Listens for one answer on behalf of \a handler, which owns it.
-class ParametersNotificationController
-{
-public:
-    explicit ParametersNotificationController(CApplicationParametersHandler_Abstract& handler)
-        : m_handler(handler)
-        , m_handlerUuid(QUuid::createUuid().toString().mid(1, 36).toUpper())
-    {
-        // Listening begins first, so that an immediate answer isn't lost.
-        m_answer = Platform::observeNotification(QStringLiteral("CMD_LINE_ARGSkrnv3"),
-                                                 [this](const QString& path) { onAnswer(path); });
-        if (m_answer) {
-            Platform::postNotification(QStringLiteral("APP_CAN_HANDLE_CMD_LINE_ARGSkrnv3"),
-                                       m_handlerUuid);
-        }
-    }
-
-    void stopListening()
-    {
-        if (m_answer)
-            m_answer->stop();
-    }
-
-private:
-    Q_DISABLE_COPY(ParametersNotificationController)
-
-    /// Listening is good for one answer, whatever it holds.
-    void onAnswer(const QString& path)
-    {
-        stopListening();
-        if (path.isEmpty())
-            return;
-
-        const std::list<std::string> arguments = Private::readArgumentsFile(path);
-        QFile::remove(path);
-        if (!arguments.empty())
-            m_handler.onApplicationCommandLineArgumentsReceived(arguments);
-    }
-
-    CApplicationParametersHandler_Abstract& m_handler;
-    const QString m_handlerUuid; ///< tells a launcher this instance from others
-    std::unique_ptr<Platform::Observer> m_answer;
-};
-
-} // namespace
-
 struct Q_DECL_HIDDEN CApplicationParametersHandler_Abstract::Private
 {
-    std::unique_ptr<ParametersNotificationController> controller; ///< null when not in use
+    std::unique_ptr<Platform::Observer> controller; ///< null when not in use
 };
 
 CApplicationParametersHandler_Abstract::CApplicationParametersHandler_Abstract(int argc,
@@ -68,8 +18,13 @@ CApplicationParametersHandler_Abstract::CApplicationParametersHandler_Abstract(i
     : pimpl(new Private)
 {
     Q_UNUSED(argv)
-    if (argc == 1)
-        pimpl->controller = std::make_unique<ParametersNotificationController>(*this);
+    if (argc != 1)
+        return;
+    pimpl->controller = Platform::observeParameters([this](const QString& path) {
+        const std::list<std::string> arguments = VEK_NAMESPACE::Private::takeArgumentsFile(path);
+        if (!arguments.empty())
+            onApplicationCommandLineArgumentsReceived(arguments);
+    });
 }
 
 CApplicationParametersHandler_Abstract::~CApplicationParametersHandler_Abstract() = default;
@@ -91,5 +46,5 @@ void CApplicationParametersHandler_Abstract::onApplicationCommandLineArgumentsRe
 void CApplicationParametersHandler_Abstract::onArgumentsProcessed() const
 {
     if (pimpl->controller)
-        pimpl->controller->stopListening();
+        pimpl->controller->stop();
 }

@@ -1,37 +1,20 @@
 #include "ArgumentsFile_p.h"
 
 #include "CommonConstants.h"
+#include "PlatformServices_p.h"
 
-#include <QFile>
 #include <QFileInfo>
-#include <QTextCodec>
 
 namespace VEK_NAMESPACE {
 namespace Private {
 
-namespace {
-
-/// More than a system takes for a command line.
-constexpr qint64 largestFile = 8 << 20;
-
-bool isUtf8(const QByteArray& text)
-{
-    constexpr int mibOfUtf8 = 106;
-    QTextCodec::ConverterState state;
-    QTextCodec::codecForMib(mibOfUtf8)->toUnicode(text.constData(), text.size(), &state);
-    return state.invalidChars == 0 && state.remainingChars == 0;
-}
-
-} // namespace
-
 std::list<std::string> readArgumentsFile(const QString& path)
 {
-    QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+    constexpr qint64 largestFile = 8 << 20; // more than a system takes for a command line
+    const QFileInfo file(path);
+    if (!file.isFile() || file.size() > largestFile)
         return {};
-    const QByteArray content = file.read(largestFile + 1);
-    if (content.size() > largestFile || file.error() != QFile::NoError || !isUtf8(content))
-        return {};
+    const QByteArray content = Platform::readUtf8File(path).value_or(QByteArray());
 
     std::list<std::string> arguments;
     const QList<QByteArray> lines = content.split('\n');
@@ -39,6 +22,18 @@ std::list<std::string> readArgumentsFile(const QString& path)
         if (!line.isEmpty())
             arguments.emplace_back(line.constData()); // up to a zero byte, as arguments are
     }
+    return arguments;
+}
+
+std::list<std::string> takeArgumentsFile(const QString& path)
+{
+    std::list<std::string> arguments;
+    if (path.isEmpty())
+        return arguments;
+    arguments = readArgumentsFile(path);
+    const QFileInfo file(path);
+    if (!file.isDir() || file.isSymLink()) // a folder could take all that is in it along
+        Platform::removeFile(path);
     return arguments;
 }
 

@@ -15,5 +15,8 @@ namespace Private {
 /// end to end.
 std::list<std::string> readArgumentsFile(const QString& path);
 
+/// The same, and deletes the file in any case. No path stands for no arguments.
+std::list<std::string> takeArgumentsFile(const QString& path);
+
 } // namespace Private
 } // namespace VEK_NAMESPACE

@@ -2,6 +2,7 @@
 
 #include "UtilsDllGlobal.h"
 
+#include <QByteArray>
 #include <QDateTime>
 #include <QList>
 #include <QSizeF>
@@ -9,6 +10,7 @@
 #include <QStringList>
 #include <QUrl>
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -24,17 +26,22 @@ class QWidget;
 namespace VEK_NAMESPACE {
 namespace Platform {
 
-/// Something that is told of events until it is stopped or destroyed. It may be stopped, but not
-/// destroyed, while it is being told.
-class Observer
+/// Something that is told of events until it is destroyed, which may not be while it is being told.
+class Watch
 {
 public:
-    Observer() = default;
-    virtual ~Observer() = default;
-    virtual void stop() = 0;
+    Watch() = default;
+    virtual ~Watch() = default;
 
 private:
-    Q_DISABLE_COPY(Observer)
+    Q_DISABLE_COPY(Watch)
+};
+
+/// One that may be stopped before it is destroyed, also while it is being told.
+class Observer : public Watch
+{
+public:
+    virtual void stop() = 0;
 };
 
 /// \name Folders and users
@@ -47,7 +54,8 @@ QString systemFolder();
 /// The home folder in the real user's password entry; nothing if there is no entry.
 std::optional<QString> homeFolder();
 
-/// The home folder of the user whose login session this process belongs to; nothing outside one.
+/// The home folder of the user whose login session this process belongs to, empty if that user has
+/// none; nothing outside a session.
 std::optional<QString> sessionUserHomeFolder();
 
 /// @}
@@ -104,13 +112,13 @@ bool isApplicationActive();
 /// Makes this process the active application, for the sake of \a window.
 void activateApplication(const QWidget& window);
 
-/// Calls \a onResign when the application is no longer active and when one of its windows is
-/// minimised.
-std::unique_ptr<Observer> observeResign(std::function<void()> onResign);
+/// Calls TopLevelWindowDeactivator::deactivateAllTopLevelWidgets() when the application is no
+/// longer active and when one of its windows is minimised.
+std::unique_ptr<Watch> observeResign();
 
 /// Keeps a window at the floating level while the application is active, and at the normal one
 /// otherwise, from the next change on.
-class FloatingWhileActive : public Observer
+class FloatingWhileActive : public Watch
 {
 public:
     virtual void setWindow(WindowId id) = 0;
@@ -130,17 +138,21 @@ void launch(const char* path);
 
 /// @}
 
-/// \name Messages between the processes of the logged-in user
-/// A message has a name and one text. Without a channel for it nothing is sent and none arrives;
-/// none is started.
+/// \name The hand-over of a command line
 /// @{
 
-void postNotification(const QString& name, const QString& text);
+/// Listens for "CMD_LINE_ARGSkrnv3" from any process of the logged-in user, and then announces this
+/// one with "APP_CAN_HANDLE_CMD_LINE_ARGSkrnv3" and an identity of its own, a UUID in upper case.
+/// Calls \a onAnswer from the event loop with the path in the first answer, and then stops. Null
+/// without a channel between processes; none is started.
+std::unique_ptr<Observer> observeParameters(std::function<void(const QString& path)> onAnswer);
 
-/// Calls \a onReceived for each message of that name, whichever process sent it. What it has been
-/// told to is called from the event loop. Null without a channel.
-std::unique_ptr<Observer> observeNotification(const QString& name,
-                                              std::function<void(const QString&)> onReceived);
+/// The content of a file of UTF-8 text; nothing if it can't be read or isn't UTF-8 from end to end.
+/// Any thread.
+std::optional<QByteArray> readUtf8File(const QString& path);
+
+/// Any thread.
+bool removeFile(const QString& path);
 
 /// @}
 
@@ -154,6 +166,9 @@ QString bundleResourcePath(const QString& identifier);
 
 /// The version of the operating system as it tells it to people.
 QString systemVersionText();
+
+/// The three numbers at the beginning of a version text; -1 for each that isn't there.
+std::array<long, 3> versionNumbers(const QString& version);
 
 QString processName();
 qint64 currentProcess();

@@ -5,7 +5,6 @@
 
 #include <QWidget>
 
-#include <cstdlib>
 #include <map>
 #include <memory>
 
@@ -27,39 +26,6 @@ Responders& responders()
     static Responders widgets;
     return widgets;
 }
-
-/// Reads the numbers at the beginning of a version text one after the other.
-class VersionScanner
-{
-public:
-    explicit VersionScanner(const QString& version)
-        : m_text(version.toLatin1())
-        , m_position(m_text.constData())
-    {}
-
-    /// The next number, or -1, and then the place stays.
-    long next()
-    {
-        const char* start = m_position;
-        while (*start == '.' || isSpace(*start))
-            ++start;
-        char* end = nullptr;
-        const long number = std::strtol(start, &end, 10);
-        if (end == start)
-            return -1;
-        m_position = end;
-        return number;
-    }
-
-private:
-    static bool isSpace(char character)
-    {
-        return character == ' ' || (character >= '\t' && character <= '\r');
-    }
-
-    const QByteArray m_text;
-    const char* m_position;
-};
 
 Platform::WindowLevel level(bool modal)
 {
@@ -206,11 +172,7 @@ void MacOSLaunchApplication(char const* path)
 bool auxMacOsIsOperatingSystemAtLeastVersion(QString const& version, long major, long minor,
                                              long patch)
 {
-    VersionScanner scanner(version);
-    const long a = scanner.next();
-    const long b = scanner.next();
-    const long c = scanner.next();
-
+    const auto [a, b, c] = Platform::versionNumbers(version);
     if (a < major || (a == major && b < minor))
         return false;
     // Whether or not the major version is a later one: see the header.

@@ -195,6 +195,8 @@ QString CStorageLocation::sessionSingleAppDirectory()
         std::printf("Single app use standard temp dir!!!");
         return QDir(QDir::tempPath()).absolutePath();
     }
+    if (home->isEmpty())
+        return {};
     return QDir(*home).filePath(QStringLiteral("Library/Vek_Labs/Vek Marlowick 3"));
 }
 

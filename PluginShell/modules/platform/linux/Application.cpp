@@ -1,3 +1,4 @@
+#include "ApplicationActivation.h"
 #include "CommonConstants.h"
 #include "PlatformServices_p.h"
 
@@ -20,36 +21,24 @@ namespace Platform {
 
 namespace {
 
-class ResignObserver : public QObject, public Observer
+class ResignObserver : public QObject, public Watch
 {
 public:
-    explicit ResignObserver(std::function<void()> onResign)
-        : m_onResign(std::move(onResign))
+    ResignObserver()
     {
         connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
-                [this](Qt::ApplicationState state) {
-                    if (state == Qt::ApplicationActive)
-                        return;
-                    const auto tell = m_onResign; // this observer may go meanwhile
-                    tell();
+                [](Qt::ApplicationState state) {
+                    if (state != Qt::ApplicationActive)
+                        TopLevelWindowDeactivator::deactivateAllTopLevelWidgets();
                 });
         qApp->installEventFilter(this);
-    }
-
-    void stop() override
-    {
-        if (!qApp)
-            return;
-        disconnect(qApp, nullptr, this, nullptr);
-        qApp->removeEventFilter(this);
     }
 
     bool eventFilter(QObject* watched, QEvent* event) override
     {
         if (event->type() == QEvent::WindowStateChange
             && isMinimized(watched, static_cast<const QWindowStateChangeEvent*>(event))) {
-            const auto onResign = m_onResign; // this observer may go meanwhile
-            onResign();
+            TopLevelWindowDeactivator::deactivateAllTopLevelWidgets();
         }
         return false;
     }
@@ -67,8 +56,6 @@ private:
         return watched->isWindowType() && !watched->inherits("QWidgetWindow")
             && static_cast<const QWindow*>(watched)->windowState() == Qt::WindowMinimized;
     }
-
-    const std::function<void()> m_onResign;
 };
 
 class WindowFloatingWhileActive : public QObject, public FloatingWhileActive
@@ -83,12 +70,6 @@ public:
                                    state == Qt::ApplicationActive ? WindowLevel::Floating
                                                                   : WindowLevel::Normal);
                 });
-    }
-
-    void stop() override
-    {
-        if (qApp)
-            disconnect(qApp, nullptr, this, nullptr);
     }
 
     void setWindow(WindowId id) override { m_window = id; }
@@ -111,11 +92,11 @@ void activateApplication(const QWidget& window)
         KX11Extras::forceActiveWindow(handle->winId());
 }
 
-std::unique_ptr<Observer> observeResign(std::function<void()> onResign)
+std::unique_ptr<Watch> observeResign()
 {
     if (!qApp)
         return nullptr;
-    return std::make_unique<ResignObserver>(std::move(onResign));
+    return std::make_unique<ResignObserver>();
 }
 
 std::unique_ptr<FloatingWhileActive> floatWhileActive(WindowId id)

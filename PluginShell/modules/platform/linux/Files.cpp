@@ -41,6 +41,11 @@ void openFolderOf(const QUrl& file)
 
 } // namespace
 
+bool removeFile(const QString& path)
+{
+    return QFile::remove(path);
+}
+
 bool hasTrash(const QString& file)
 {
     const FileInfoPointer info(
