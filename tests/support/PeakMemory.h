@@ -24,7 +24,8 @@ inline qint64 peakMemoryOf(const QStringList& arguments)
 inline void printPeakMemory()
 {
     // Not getrusage(), which counts the process before it became this program as well.
-    for (const QByteArray& line : readFile(QStringLiteral("/proc/self/status")).split('\n')) {
+    const QList<QByteArray> lines = readFile(QStringLiteral("/proc/self/status")).split('\n');
+    for (const QByteArray& line : lines) {
         if (line.startsWith("VmHWM:"))
             std::printf("%lld\n", line.mid(6).chopped(2).trimmed().toLongLong());
     }

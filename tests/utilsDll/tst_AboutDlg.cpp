@@ -697,7 +697,7 @@ void tst_AboutDlg::language()
     QFETCH(QString, version);
     QFETCH(QString, link);
     QFETCH(QString, firstWords);
-    const Language language(QLatin1String(QTest::currentDataTag()));
+    const Language language{QLatin1String(QTest::currentDataTag())};
     const CAboutDlg dialog(nullptr);
     QCOMPARE(dialog.windowTitle(), title);
     QCOMPARE(text(dialog, "verticalLabel"), copyright);

@@ -752,7 +752,7 @@ int execute(int count, char* commands[])
             strings->Retranslate();
         else if (is("empty texts"))
             translations =
-                std::make_unique<Translations>([](const char*) { return QStringLiteral(""); });
+                std::make_unique<Translations>([](const char*) { return QString::fromLatin1(""); });
         else if (is("let Qt be silent")) // it misses the places for the product's name
             qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
         else if (is("places of their own"))

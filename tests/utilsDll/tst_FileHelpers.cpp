@@ -820,7 +820,8 @@ void tst_FileHelpers::trashTakesFilesOfOneName()
     QCOMPARE(moveFileToTrash(elsewhere), 0);
 
     QStringList found;
-    for (const QString& name : trash())
+    const QStringList names = trash();
+    for (const QString& name : names)
         found << QString::fromLatin1(readFile(inTrash(name))) + " from " + trashInfo(name).path;
     found.sort();
     const QString here = path("file.jpg");

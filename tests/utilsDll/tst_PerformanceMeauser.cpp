@@ -259,14 +259,14 @@ void tst_PerformanceMeauser::namesAreToldApart()
 void tst_PerformanceMeauser::namelessOnesShareOneAverage()
 {
     const Line first = measure(QString(), 9);
-    const Line second = measure(QStringLiteral(""), 0);
+    const Line second = measure(QLatin1String(""), 0);
 
     QCOMPARE(first.name, QStringLiteral("unknown"));
     QCOMPARE(second.name, QStringLiteral("unknown"));
     QCOMPARE(first.average, first.elapsed);
     QCOMPARE(second.average, (first.elapsed + second.elapsed) / 2);
     QCOMPARE(CPerformanceMeauser::avgElapsedTime(QString()), second.average);
-    QCOMPARE(CPerformanceMeauser::avgElapsedTime(QStringLiteral("")), second.average);
+    QCOMPARE(CPerformanceMeauser::avgElapsedTime(QLatin1String("")), second.average);
 }
 
 void tst_PerformanceMeauser::unknownNameHasNoAverage()
@@ -532,7 +532,7 @@ private:
     const QString m_name;
 };
 
-QString s_asked;
+QString s_asked; // clazy:exclude=non-pod-global-static
 std::optional<quint64> s_answer;
 
 void askingHandler(QtMsgType, const QMessageLogContext&, const QString&)
@@ -610,7 +610,7 @@ void tst_PerformanceMeauser::manyThreadsShareOneAverage()
         quint64 total = 0;
         bool lastIsTold = false;
         const quint64 average = CPerformanceMeauser::avgElapsedTime(m_name);
-        for (const QString& printed : lines) {
+        for (const QString& printed : qAsConst(lines)) {
             const auto line = read(printed);
             QVERIFY2(line && line->name == m_name, qPrintable(printed));
             total += line->elapsed;
