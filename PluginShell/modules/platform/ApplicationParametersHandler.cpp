@@ -1,6 +1,5 @@
 #include "ApplicationParametersHandler.h"
 
-#include "ArgumentsFile_p.h"
 #include "CommonConstants.h"
 #include "PlatformServices_p.h"
 
@@ -18,13 +17,8 @@ CApplicationParametersHandler_Abstract::CApplicationParametersHandler_Abstract(i
     : pimpl(new Private)
 {
     Q_UNUSED(argv)
-    if (argc != 1)
-        return;
-    pimpl->controller = Platform::observeParameters([this](const QString& path) {
-        const std::list<std::string> arguments = VEK_NAMESPACE::Private::takeArgumentsFile(path);
-        if (!arguments.empty())
-            onApplicationCommandLineArgumentsReceived(arguments);
-    });
+    if (argc == 1)
+        pimpl->controller = Platform::observeParameters(*this);
 }
 
 CApplicationParametersHandler_Abstract::~CApplicationParametersHandler_Abstract() = default;

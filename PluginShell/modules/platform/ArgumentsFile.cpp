@@ -1,5 +1,6 @@
 #include "ArgumentsFile_p.h"
 
+#include "ApplicationParametersHandler.h"
 #include "CommonConstants.h"
 #include "PlatformServices_p.h"
 
@@ -25,16 +26,16 @@ std::list<std::string> readArgumentsFile(const QString& path)
     return arguments;
 }
 
-std::list<std::string> takeArgumentsFile(const QString& path)
+void receiveArguments(const QString& path, CApplicationParametersHandler_Abstract& handler)
 {
-    std::list<std::string> arguments;
     if (path.isEmpty())
-        return arguments;
-    arguments = readArgumentsFile(path);
+        return;
+    const std::list<std::string> arguments = readArgumentsFile(path);
     const QFileInfo file(path);
     if (!file.isDir() || file.isSymLink()) // a folder could take all that is in it along
         Platform::removeFile(path);
-    return arguments;
+    if (!arguments.empty())
+        handler.onApplicationCommandLineArgumentsReceived(arguments);
 }
 
 } // namespace Private

@@ -7,6 +7,8 @@
 #include <list>
 #include <string>
 
+class CApplicationParametersHandler_Abstract;
+
 namespace VEK_NAMESPACE {
 namespace Private {
 
@@ -15,8 +17,9 @@ namespace Private {
 /// end to end.
 std::list<std::string> readArgumentsFile(const QString& path);
 
-/// The same, and deletes the file in any case. No path stands for no arguments.
-std::list<std::string> takeArgumentsFile(const QString& path);
+/// What a launcher's answer is for: gives \a handler the arguments in the file, if there are any,
+/// and deletes it in any case. No path stands for no arguments.
+void receiveArguments(const QString& path, CApplicationParametersHandler_Abstract& handler);
 
 } // namespace Private
 } // namespace VEK_NAMESPACE

@@ -16,6 +16,7 @@
 #include <optional>
 #include <vector>
 
+class CApplicationParametersHandler_Abstract;
 class CWindowFullScreenModeSwitchHandler_Abstract;
 class QMenu;
 class QWidget;
@@ -143,9 +144,9 @@ void launch(const char* path);
 
 /// Listens for "CMD_LINE_ARGSkrnv3" from any process of the logged-in user, and then announces this
 /// one with "APP_CAN_HANDLE_CMD_LINE_ARGSkrnv3" and an identity of its own, a UUID in upper case.
-/// Calls \a onAnswer from the event loop with the path in the first answer, and then stops. Null
-/// without a channel between processes; none is started.
-std::unique_ptr<Observer> observeParameters(std::function<void(const QString& path)> onAnswer);
+/// Calls Private::receiveArguments() from the event loop with the path in the first answer, and
+/// then stops. Null without a channel between processes; none is started.
+std::unique_ptr<Observer> observeParameters(CApplicationParametersHandler_Abstract& handler);
 
 /// The content of a file of UTF-8 text; nothing if it can't be read or isn't UTF-8 from end to end.
 /// Any thread.

@@ -2,6 +2,8 @@
 
 #include "CommonConstants.h"
 
+#include <QFileInfo>
+
 #include <optional>
 #include <vector>
 
@@ -124,9 +126,6 @@ int behind(const QByteArray& content, const char* mark, int from)
 /// Counts elements that are open, whatever they are, and passes over what may hide tags.
 bool isShallowXml(const QByteArray& content)
 {
-    if (!content.trimmed().startsWith('<')) // some other format
-        return false;
-
     int depth = 0;
     int place = content.indexOf('<');
     while (place >= 0) {
@@ -154,11 +153,32 @@ bool isShallowXml(const QByteArray& content)
     return true;
 }
 
+/// The older form is text with brackets, which may also stand in quotes; so may JSON's.
+bool hasFewBrackets(const QByteArray& content)
+{
+    return content.count('(') + content.count('[') + content.count('{') <= deepest;
+}
+
+bool isXml(const QByteArray& content)
+{
+    const bool hasByteOrderMark = content.startsWith("\xEF\xBB\xBF");
+    return content.mid(hasByteOrderMark ? 3 : 0).trimmed().startsWith('<');
+}
+
 } // namespace
+
+bool isPropertyListFile(const QString& path)
+{
+    constexpr qint64 largestFile = 128 << 10;
+    const QFileInfo file(path);
+    return file.isFile() && file.size() <= largestFile;
+}
 
 bool isHarmlessPropertyList(const QByteArray& content)
 {
-    return content.startsWith("bplist") ? BinaryListWalk(content).isTree() : isShallowXml(content);
+    if (content.startsWith("bplist"))
+        return BinaryListWalk(content).isTree();
+    return isXml(content) ? isShallowXml(content) : hasFewBrackets(content);
 }
 
 } // namespace Platform

@@ -82,3 +82,8 @@ UTILSDLL_EXPORT void MacOSLaunchApplication(char const* path);
 /// equal: 11.6.0 isn't at least 10.6.1. That is meant.
 UTILSDLL_EXPORT bool auxMacOsIsOperatingSystemAtLeastVersion(QString const& version, long major,
                                                              long minor, long patch);
+#ifdef __OBJC__ // where there is such a text
+@class NSString;
+UTILSDLL_EXPORT bool auxMacOsIsOperatingSystemAtLeastVersion(NSString* version, long major,
+                                                             long minor, long patch);
+#endif

@@ -38,6 +38,7 @@ void CErrStrings::Retranslate()
             .arg(g_appTitle, g_appTitle);
     m_unhandledExceptionText = QObject::tr("Unhandled exception. Program will be closed.");
 
+    ClearData();
     replace(m_errorTitleRef, Platform::makeAlertText(m_errorTitle));
     replace(m_smallFreeSpaceRef, Platform::makeAlertText(m_smallFreeSpaceText));
     replace(m_outOfMemoryRef, Platform::makeAlertText(m_outOfMemoryText));

@@ -5,7 +5,6 @@
 
 #include <QDBusMessage>
 #include <QObject>
-#include <QUuid>
 
 namespace VEK_NAMESPACE {
 namespace Platform {
@@ -55,27 +54,6 @@ private:
     bool m_listening = false;
 };
 
-/// Good for one answer.
-class ParametersObserver : public Observer
-{
-public:
-    explicit ParametersObserver(std::function<void(const QString&)> onAnswer)
-        : m_onAnswer(std::move(onAnswer))
-        , m_answer(observeNotification(QStringLiteral("CMD_LINE_ARGSkrnv3"),
-                                       [this](const QString& path) {
-                                           m_onAnswer(path);
-                                           stop();
-                                       }))
-    {}
-
-    bool isListening() const { return m_answer != nullptr; }
-    void stop() override { m_answer->stop(); }
-
-private:
-    const std::function<void(const QString&)> m_onAnswer;
-    const std::unique_ptr<Observer> m_answer;
-};
-
 } // namespace
 
 void postNotification(const QString& name, const QString& text)
@@ -95,17 +73,6 @@ std::unique_ptr<Observer> observeNotification(const QString& name,
     if (!bus)
         return nullptr;
     return std::make_unique<NotificationObserver>(*bus, name, std::move(onReceived));
-}
-
-std::unique_ptr<Observer> observeParameters(std::function<void(const QString&)> onAnswer)
-{
-    // Listening begins first, so that an immediate answer isn't lost.
-    auto observer = std::make_unique<ParametersObserver>(std::move(onAnswer));
-    if (!observer->isListening())
-        return nullptr;
-    postNotification(QStringLiteral("APP_CAN_HANDLE_CMD_LINE_ARGSkrnv3"),
-                     QUuid::createUuid().toString().mid(1, 36).toUpper());
-    return observer;
 }
 
 } // namespace Platform

@@ -3,7 +3,6 @@
 #include "PropertyListCheck_p.h"
 
 #include <QFile>
-#include <QFileInfo>
 
 #include <memory>
 
@@ -14,8 +13,6 @@ namespace Platform {
 
 namespace {
 
-constexpr qint64 largestFile = 128 << 10;
-
 struct PropertyListDeleter
 {
     void operator()(void* list) const { plist_free(list); }
@@ -24,11 +21,9 @@ struct PropertyListDeleter
 QByteArray readFile(const QString& path)
 {
     QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+    if (!isPropertyListFile(path) || !file.open(QIODevice::ReadOnly))
         return {};
-    const QByteArray content = file.read(largestFile + 1);
-    if (content.size() > largestFile)
-        return {};
+    const QByteArray content = file.readAll();
     const bool hasByteOrderMark = content.startsWith("\xEF\xBB\xBF"); // unknown to the parser
     return hasByteOrderMark ? content.mid(3) : content;
 }
