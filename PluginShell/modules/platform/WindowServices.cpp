@@ -15,16 +15,16 @@ namespace {
 /// The one full-screen observer of the main window; may be null.
 std::unique_ptr<Platform::Observer>& mainWindowObserver()
 {
-    static std::unique_ptr<Platform::Observer> observer;
-    return observer;
+    static std::unique_ptr<Platform::Observer> g_pMainWindowDelegate;
+    return g_pMainWindowDelegate;
 }
 
 using Responders = std::map<const QWidget*, std::unique_ptr<Platform::FloatingWhileActive>>;
 
 Responders& responders()
 {
-    static Responders widgets;
-    return widgets;
+    static Responders g_cNSAppNotificationResponderMap;
+    return g_cNSAppNotificationResponderMap;
 }
 
 Platform::WindowLevel level(bool modal)

@@ -9,7 +9,7 @@ namespace Platform {
 /// The window of a view, which is what a WId names here; nil for 0 and for a view in no window.
 inline NSWindow* windowOf(WindowId view)
 {
-    return [reinterpret_cast<NSView*>(view) window];
+    return [reinterpret_cast<NSView*>(view) window]; // NOLINT(performance-no-int-to-ptr)
 }
 
 } // namespace Platform
