@@ -3,7 +3,20 @@
 #include "RecordingCocoa.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QTest>
+
+/// Autoreleased.
+inline NSString* nsString(const QString& text)
+{
+    return [NSString stringWithUTF8String:text.toUtf8().constData()];
+}
+
+/// In the current folder, which is empty at the beginning.
+inline QString here(const QString& name)
+{
+    return QDir::current().absoluteFilePath(name);
+}
 
 /// As QTEST_MAIN, in an autorelease pool.
 template <typename Test>

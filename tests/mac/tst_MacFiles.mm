@@ -10,17 +10,6 @@ using namespace VEK_NAMESPACE;
 
 namespace {
 
-NSString* nsString(const QString& text)
-{
-    return [NSString stringWithUTF8String:text.toUtf8().constData()];
-}
-
-/// In the current folder, which is empty at the beginning.
-QString here(const QString& name)
-{
-    return QDir::current().absoluteFilePath(name);
-}
-
 bool makeFile(const QString& path)
 {
     QFile file(path);
