@@ -157,6 +157,8 @@ private Q_SLOTS:
     void validEnvelopes();
     void nothingIsFetched_data();
     void nothingIsFetched();
+    void referencesOfOtherKinds_data();
+    void referencesOfOtherKinds();
     void cyclesOfReferences_data();
     void cyclesOfReferences();
     void memoryIsBounded_data();
@@ -1376,6 +1378,35 @@ void tst_SoapMessage::nothingIsFetched()
         QCOMPARE(int(read(watch, event, sizeof event)), -1);
     }
     close(watch);
+}
+
+void tst_SoapMessage::referencesOfOtherKinds_data()
+{
+    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<QByteArray>("beside");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("href");
+
+    const QByteArray one = "<b id=\"1\" xsi:type=\"xsd:string\">one</b>";
+    QTest::newRow("to an identity that two have: the first counts")
+        << QByteArray("<a href=\"#1\"/>") << one + "<b id=\"1\" xsi:type=\"xsd:string\">two</b>"
+        << "one"
+        << "";
+    QTest::newRow("to another document") << QByteArray("<a href=\"x1\"/>") << one << ""
+                                         << "x1";
+    QTest::newRow("to nothing") << QByteArray("<a href=\"#2\"/>") << one << ""
+                                << "#2";
+}
+
+void tst_SoapMessage::referencesOfOtherKinds()
+{
+    QFETCH(QByteArray, value);
+    QFETCH(QByteArray, beside);
+
+    QtSoapMessage message;
+    QVERIFY(message.setContent(response(value, beside)));
+    QTEST(message.method()["a"].toString(), "text");
+    QTEST(message.method()["a"].href(), "href");
 }
 
 void tst_SoapMessage::cyclesOfReferences_data()
