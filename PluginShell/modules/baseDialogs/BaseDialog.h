@@ -19,6 +19,7 @@ class UTILSDLL_EXPORT CBaseDialog : public QDialog
     Q_OBJECT
 
 public:
+    /// A hidden dialog, of the size that its contents ask for when it is shown.
     explicit CBaseDialog(QWidget* parent = nullptr);
     ~CBaseDialog() override;
 
@@ -33,9 +34,14 @@ public Q_SLOTS:
     void sendNotification();
 
 protected:
+    /// Starts a drag with the left button, within #m_dragAreaHeight if that isn't 0.
     void mousePressEvent(QMouseEvent* event) override;
+    /// Ends the drag.
     void mouseReleaseEvent(QMouseEvent* event) override;
+    /// Moves the dialog with the mouse during a drag.
     void mouseMoveEvent(QMouseEvent* event) override;
+    /// At the first show makes the dialog known to the script, centres it and announces it. Later
+    /// ones do nothing, not even what QDialog does.
     void showEvent(QShowEvent* event) override;
 
 private Q_SLOTS:
@@ -47,7 +53,8 @@ private:
     bool m_dragging = false;
 
 protected:
-    /// If not 0, only a press at a y of this value or less starts a drag.
+    /// The height in pixels of the area that starts a drag: if not 0, only a press at a y of this
+    /// value or less does.
     int m_dragAreaHeight = 0;
 };
 

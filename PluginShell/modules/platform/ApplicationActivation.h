@@ -12,7 +12,9 @@ class QWidget;
 class UTILSDLL_EXPORT TopLevelWindowDeactivator
 {
 public:
+    /// Begins to watch.
     TopLevelWindowDeactivator();
+    /// Watches no longer.
     ~TopLevelWindowDeactivator();
 
     /// Closes what is open now. A combo box is asked to hide its list, a menu of no combo box is

@@ -19,8 +19,10 @@ UTILSDLL_EXPORT QString MacOSGetMainBundlePath();
 /// pointers are skipped; an axis of unknown physical size gives 0. GUI thread.
 UTILSDLL_EXPORT void getScreenDpi(int* dpiX, int* dpiY);
 
+/// The processes of this computer.
 namespace UtilsDll {
 
+/// The name of this process, which is that of its executable.
 UTILSDLL_EXPORT QString currentProcessName();
 
 /// The text of entry \a key in the Info.plist of the first running application that is displayed as

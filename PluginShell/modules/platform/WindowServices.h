@@ -17,17 +17,23 @@ class QWidget;
 class UTILSDLL_EXPORT CWindowFullScreenModeSwitchHandler_Abstract
 {
 public:
+    /// The window fills the screen now.
     virtual void onEnterFullScreen() = 0;
+    /// The window has its former size again.
     virtual void onExitFullScreen() = 0;
 
 protected:
     ~CWindowFullScreenModeSwitchHandler_Abstract() = default;
 };
 
+/// Minimises a window.
 UTILSDLL_EXPORT void MacOSMinimizeWindow(unsigned long long winId);
+/// Brings a minimised window back.
 UTILSDLL_EXPORT void MacOSDeminituarize(unsigned long long winId);
 
+/// Whether a window fills the screen.
 UTILSDLL_EXPORT bool MacOSIsFullScreenMode(unsigned long long winId);
+/// Makes a window fill the screen, or gives it its former size back. The system does so later.
 UTILSDLL_EXPORT void MacOSToggleFullScreenMode(unsigned long long winId);
 
 /// Lets the user switch a window to full screen, and tells \a handler, if there is one, of each
@@ -36,14 +42,16 @@ UTILSDLL_EXPORT void MacOSToggleFullScreenMode(unsigned long long winId);
 /// or is replaced.
 UTILSDLL_EXPORT void MacOSSetFullscreenCapable(
     unsigned long long winId, CWindowFullScreenModeSwitchHandler_Abstract* handler);
+/// Ends the observation; a handler that goes has to be told so beforehand.
 UTILSDLL_EXPORT void MacOSOnFullScreenModeSwitchHandlerDeleted();
 
 /// Enables or disables the close button of the title bar.
 UTILSDLL_EXPORT void MacOSSetClosingWindowEnabled(unsigned long long winId, bool enabled);
 
-/// Puts a window on the level of modal panels or on the normal one, and there in front of or behind
-/// all others.
+/// Puts a window on the level of modal panels or on the normal one, and there in front of all
+/// others.
 UTILSDLL_EXPORT void MacOSBringToTop(unsigned long long winId, bool modal);
+/// Puts a window on one of these levels, and there behind all others.
 UTILSDLL_EXPORT void MacOSBringToBottom(unsigned long long winId, bool modal);
 
 /// Lets the system's overview of windows manage this one, on systems of version 10.6 or later.
@@ -59,6 +67,7 @@ UTILSDLL_EXPORT void MacOSEnableWindowAnimation(QWidget const& widget, bool enab
 /// change of activation on. Call it again when the widget has got another window. Remove the widget
 /// before it dies.
 UTILSDLL_EXPORT void MacOSSetupNSApplicationNotificationResponder(QWidget const& widget);
+/// Ends that; the window stays on the level that it has.
 UTILSDLL_EXPORT void MacOSRemoveNSApplicationNotificationResponder(QWidget const& widget);
 
 /// Enables or disables the top entries of the menu bar.

@@ -9,21 +9,23 @@
 class UTILSDLL_EXPORT CRedirectionLinks
 {
 public:
+    /// What a page is about. Support and the version's help are those of version 3, all others
+    /// those of the product, whatever its version.
     enum vekLinkType
     {
-        ltHome,
-        ltImprovementProgram,
-        ltSupport,
-        ltAcademy,
-        ltShop,
-        ltPatents,
-        ltProductHelp,
-        ltModules,
-        ltVersionHelp
+        ltHome, ///< the vendor's home page, which has no localized form
+        ltImprovementProgram, ///< what is done with statistics, for users who let them be sent
+        ltSupport, ///< help by people
+        ltAcademy, ///< lessons
+        ltShop, ///< where the product is bought
+        ltPatents, ///< the patents behind it
+        ltProductHelp, ///< the manual
+        ltModules, ///< further correction modules
+        ltVersionHelp ///< the manual of this version
     };
 
-    /// With \a localized the page of the default locale's country, unless its language is English;
-    /// the home page has none. An unknown type logs an assertion and gives an address that ends
-    /// before the page.
+    /// The address of a page: with \a localized the page of the default locale's country, unless
+    /// its language is English; the home page has none. An unknown type logs an assertion and gives
+    /// an address that ends before the page.
     static QString get(vekLinkType type, bool localized);
 };

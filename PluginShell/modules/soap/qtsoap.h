@@ -20,6 +20,7 @@ class QtSoapArray;
 class QtSoapAccess;
 class QtSoapStruct;
 
+/// \file
 /// SOAP 1.1: values, messages, and a client over HTTP. All classes stand at global scope.
 ///
 /// Written envelopes use the envelope and encoding namespaces of SOAP 1.1, and for types the schema
@@ -34,13 +35,15 @@ class QtSoapStruct;
 class UTILSDLL_EXPORT QtSoapQName
 {
 public:
-    // Not explicit: a plain text is a name without namespace.
+    /// A plain text is a name without namespace, which is why this isn't explicit.
     QtSoapQName(const QString& name = QString(), const QString& uri = QString());
 
     /// Makes this \a name without namespace.
     QtSoapQName& operator=(const QString& name);
 
+    /// The local name.
     QString name() const;
+    /// The URI of the namespace, empty for none.
     QString uri() const;
 
 private:
@@ -48,6 +51,7 @@ private:
     QString m_uri;
 };
 
+/// Whether both name and namespace are equal, to the letter.
 UTILSDLL_EXPORT bool operator==(const QtSoapQName& left, const QtSoapQName& right);
 
 /// Orders by name, then by namespace.
@@ -62,57 +66,63 @@ UTILSDLL_EXPORT bool operator<(const QtSoapQName& left, const QtSoapQName& right
 class UTILSDLL_EXPORT QtSoapType
 {
 public:
+    /// The types of the XML schema, and the two compound ones of SOAP. Each is named as there, see
+    /// typeToName().
     enum Type
     {
-        Duration,
-        DateTime,
-        Time,
-        Date,
-        GYearMonth,
-        GYear,
-        GMonthDay,
-        GDay,
-        GMonth,
-        Boolean,
-        Base64Binary,
-        HexBinary,
-        Float,
-        Double,
-        AnyURI,
-        QName,
-        NOTATION,
-        String,
-        NormalizedString,
-        Token,
-        Language,
-        Name,
-        NMTOKEN,
-        NCName,
-        ID,
-        IDREF,
-        ENTITY,
-        Decimal,
-        Integer,
-        NonPositiveInteger,
-        NegativeInteger,
-        Long,
-        Int,
-        Short,
-        Byte,
-        NonNegativeInteger,
-        UnsignedLong,
-        PositiveInteger,
-        UnsignedInt,
-        UnsignedShort,
-        UnsignedByte,
-        Array,
-        Struct,
+        Duration, ///< a span of time, such as "P1DT2H"
+        DateTime, ///< a day and a time of it, such as "2024-02-29T13:00:00Z"
+        Time, ///< a time of a day
+        Date, ///< a day
+        GYearMonth, ///< a month of a year
+        GYear, ///< a year
+        GMonthDay, ///< a day that returns each year
+        GDay, ///< a day that returns each month
+        GMonth, ///< a month that returns each year
+        Boolean, ///< "true" or "false", also 1 or 0
+        Base64Binary, ///< octets, in base 64
+        HexBinary, ///< octets, in hexadecimal digits
+        Float, ///< a floating-point number of 32 bits
+        Double, ///< a floating-point number of 64 bits
+        AnyURI, ///< an address
+        QName, ///< a qualified name
+        NOTATION, ///< a qualified name that is declared as a notation
+        String, ///< any text
+        NormalizedString, ///< a text without line breaks and tabulators
+        Token, ///< a normalized string without blanks at its ends or two in a row
+        Language, ///< a language tag, such as "en-GB"
+        Name, ///< an XML name
+        NMTOKEN, ///< a token of the characters that names have
+        NCName, ///< an XML name without colon
+        ID, ///< a name that identifies an element
+        IDREF, ///< a reference to an ID
+        ENTITY, ///< the name of an entity
+        Decimal, ///< a number of any precision
+        Integer, ///< a whole number of any size
+        NonPositiveInteger, ///< a whole number, 0 or less
+        NegativeInteger, ///< a whole number, -1 or less
+        Long, ///< a whole number of 64 bits
+        Int, ///< a whole number of 32 bits
+        Short, ///< a whole number of 16 bits
+        Byte, ///< a whole number of 8 bits
+        NonNegativeInteger, ///< a whole number, 0 or more
+        UnsignedLong, ///< a whole number of 64 bits, 0 or more
+        PositiveInteger, ///< a whole number, 1 or more
+        UnsignedInt, ///< a whole number of 32 bits, 0 or more
+        UnsignedShort, ///< a whole number of 16 bits, 0 or more
+        UnsignedByte, ///< a whole number of 8 bits, 0 or more
+        Array, ///< a QtSoapArray
+        Struct, ///< a QtSoapStruct
         Other ///< no type, or one that isn't in this list
     };
 
+    /// Without name and type.
     QtSoapType();
+    /// With a name and a type.
     explicit QtSoapType(const QtSoapQName& name, Type type = Other);
+    /// Copies name, type, id and reference.
     QtSoapType(const QtSoapType& other);
+    /// Copies name, type, id and reference. To which containers this belongs doesn't change.
     QtSoapType& operator=(const QtSoapType& other);
     virtual ~QtSoapType();
 
@@ -143,19 +153,30 @@ public:
     /// A plain text finds the member of that name without namespace, or else the first of that name
     /// in any namespace.
     /// @{
+
+    /// The member at a position, counted from 0.
     virtual QtSoapType& operator[](int pos);
+    /// The member of exactly this name and namespace.
     virtual QtSoapType& operator[](const QtSoapQName& name);
+    /// The member of this name.
     virtual QtSoapType& operator[](const QString& name);
+    /// \overload
     virtual const QtSoapType& operator[](int pos) const;
+    /// \overload
     virtual const QtSoapType& operator[](const QtSoapQName& name) const;
+    /// \overload
     virtual const QtSoapType& operator[](const QString& name) const;
+
     /// @}
 
     /// Makes an element of this value that belongs to \a document and isn't inserted. Null if
     /// values nest too deep.
     virtual QDomElement toDomElement(QDomDocument document) const;
 
+    /// What the value is declared as; Other for a type that isn't in the list, see typeName().
     virtual Type type() const;
+
+    /// What references to this value name, without "#"; empty for none.
     virtual QString id() const;
 
     /// The reference, such as "#id-1", of a value that stands elsewhere. Of a value that was read
@@ -166,6 +187,7 @@ public:
     /// value has no type.
     virtual QString typeName() const;
 
+    /// The name of the element.
     virtual QtSoapQName name() const;
 
     /// The content as it is written, empty if there is none. Strings are kept to the character,
@@ -179,9 +201,14 @@ public:
     /// Whether the content is "true" or a number other than 0.
     virtual bool toBool() const;
 
-    /// A member of a struct is still found by the name that it had when it was inserted.
+    /// Names the element. A member of a struct is still found by the name that it had when it was
+    /// inserted.
     virtual void setName(const QtSoapQName& name);
+
+    /// Makes the value one that references can name.
     virtual void setId(const QString& id);
+
+    /// Makes the value a reference, such as "#id-1", to one that stands elsewhere.
     virtual void setHref(const QString& href);
 
     /// Why the last call of parse(), or of a function that inserts, failed; empty if it didn't.
@@ -194,6 +221,7 @@ public:
     static Type nameToType(const QString& name);
 
 protected:
+    /// What errorString() gives from here on; for types of one's own.
     void setErrorString(const QString& error);
 
 private:
@@ -227,18 +255,24 @@ private:
 class UTILSDLL_EXPORT QtSoapSimpleType : public QtSoapType
 {
 public:
+    /// Without name and content.
     QtSoapSimpleType();
 
     /// Without content, which is written as a null value.
     explicit QtSoapSimpleType(const QtSoapQName& name);
 
+    /// An Int.
     QtSoapSimpleType(const QtSoapQName& name, int value);
 
-    /// The last parameter has no meaning but to tell a bool from an int.
+    /// A Boolean. The last parameter has no meaning but to tell a bool from an int.
     QtSoapSimpleType(const QtSoapQName& name, bool value, int dummy);
 
+    /// A String.
     QtSoapSimpleType(const QtSoapQName& name, const QString& value);
+
+    /// Copies everything.
     QtSoapSimpleType(const QtSoapSimpleType& other);
+    /// Copies everything.
     QtSoapSimpleType& operator=(const QtSoapSimpleType& other);
     ~QtSoapSimpleType() override;
 
@@ -276,6 +310,7 @@ private:
 class UTILSDLL_EXPORT QtSoapArray : public QtSoapType
 {
 public:
+    /// Without name, of one dimension.
     QtSoapArray();
 
     /// An array of members of \a type; Other if they have different types. There are as many
@@ -284,7 +319,9 @@ public:
     explicit QtSoapArray(const QtSoapQName& name, Type type = Other, int size0 = -1, int size1 = -1,
                          int size2 = -1, int size3 = -1, int size4 = -1);
 
+    /// Shares the members.
     QtSoapArray(const QtSoapArray& other);
+    /// Shares the members, in place of its own.
     QtSoapArray& operator=(const QtSoapArray& other);
     ~QtSoapArray() override;
 
@@ -298,14 +335,20 @@ public:
     int count() const override;
 
     using QtSoapType::operator[];
+    /// The member at a single position.
     QtSoapType& operator[](int pos) override;
+    /// \overload
     const QtSoapType& operator[](int pos) const override;
 
     QDomElement toDomElement(QDomDocument document) const override;
+
+    /// Always Array. The type of the members is written only.
     Type type() const override;
 
-    /// Takes as many positions as there are dimensions, or a single one.
+    /// The member at a place; an invalid value if there is none. Takes as many positions as there
+    /// are dimensions, or a single one.
     QtSoapType& at(int pos0, int pos1 = -1, int pos2 = -1, int pos3 = -1, int pos4 = -1);
+    /// \overload
     const QtSoapType& at(int pos0, int pos1 = -1, int pos2 = -1, int pos3 = -1,
                          int pos4 = -1) const;
 
@@ -316,11 +359,18 @@ public:
     /// Replace the member at the position. Null is ignored. An item with a negative position or
     /// with another number of positions than at() takes is released, and errorString() says so.
     /// @{
+
+    /// At a single position, in an array of any number of dimensions.
     void insert(int pos0, QtSoapType* item);
+    /// In an array of two dimensions.
     void insert(int pos0, int pos1, QtSoapType* item);
+    /// In an array of three dimensions.
     void insert(int pos0, int pos1, int pos2, QtSoapType* item);
+    /// In an array of four dimensions.
     void insert(int pos0, int pos1, int pos2, int pos3, QtSoapType* item);
+    /// In an array of five dimensions.
     void insert(int pos0, int pos1, int pos2, int pos3, int pos4, QtSoapType* item);
+
     /// @}
 
 private:
@@ -339,9 +389,13 @@ private:
 class UTILSDLL_EXPORT QtSoapStruct : public QtSoapType
 {
 public:
+    /// Without name and members.
     QtSoapStruct();
+    /// Without members.
     explicit QtSoapStruct(const QtSoapQName& name);
+    /// Shares the members.
     QtSoapStruct(const QtSoapStruct& other);
+    /// Shares the members, in place of its own.
     QtSoapStruct& operator=(const QtSoapStruct& other);
     ~QtSoapStruct() override;
 
@@ -349,18 +403,30 @@ public:
     bool parse(QDomNode node) override;
     bool isValid() const override;
     int count() const override;
+
+    /// The member at a position, counted from 0.
     QtSoapType& operator[](int pos) override;
+    /// The same as at().
     QtSoapType& operator[](const QtSoapQName& name) override;
+    /// The member of that name without namespace, or else the first of that name in any.
     QtSoapType& operator[](const QString& name) override;
+    /// \overload
     const QtSoapType& operator[](int pos) const override;
+    /// \overload
     const QtSoapType& operator[](const QtSoapQName& name) const override;
+    /// \overload
     const QtSoapType& operator[](const QString& name) const override;
+
     QDomElement toDomElement(QDomDocument document) const override;
+
+    /// Always Struct.
     Type type() const override;
+
     QString toString() const override;
 
     /// The member of exactly this name and namespace.
     QtSoapType& at(const QtSoapQName& name);
+    /// \overload
     const QtSoapType& at(const QtSoapQName& name) const;
 
     /// Adds \a item under its name, in the place of a member that has it already. Null is ignored.
@@ -379,8 +445,11 @@ private:
 class UTILSDLL_EXPORT QtSoapArrayIterator
 {
 public:
+    /// Stands at the first member, or at the end of an empty array.
     explicit QtSoapArrayIterator(QtSoapArray& array);
+    /// Stands where \a other does, and goes on by itself.
     QtSoapArrayIterator(const QtSoapArrayIterator& other);
+    /// Stands where \a other does, and goes on by itself.
     QtSoapArrayIterator& operator=(const QtSoapArrayIterator& other);
     ~QtSoapArrayIterator();
 
@@ -392,21 +461,24 @@ public:
     void pos(int* pos0, int* pos1 = nullptr, int* pos2 = nullptr, int* pos3 = nullptr,
              int* pos4 = nullptr) const;
 
-    /// The member, null at the end. Both do the same.
-    /// @{
+    /// The member, null at the end. It stays the container's.
     QtSoapType* data();
+    /// \overload
     const QtSoapType* data() const;
+    /// The same as data().
     QtSoapType* current();
+    /// \overload
     const QtSoapType* current() const;
-    /// @}
 
-    /// At the end it stays where it is.
+    /// Goes on to the next member. At the end it stays where it is.
     QtSoapArrayIterator& operator++();
 
     /// Whether both stand at the same position of the same array.
     bool operator==(const QtSoapArrayIterator& other) const;
+    /// The opposite.
     bool operator!=(const QtSoapArrayIterator& other) const;
 
+    /// Whether there is no member here.
     bool atEnd() const;
 
 private:
@@ -420,27 +492,32 @@ private:
 class UTILSDLL_EXPORT QtSoapStructIterator
 {
 public:
+    /// Stands at the first member, or at the end of an empty struct.
     explicit QtSoapStructIterator(QtSoapStruct& structure);
+    /// Stands where \a other does, and goes on by itself.
     QtSoapStructIterator(const QtSoapStructIterator& other);
+    /// Stands where \a other does, and goes on by itself.
     QtSoapStructIterator& operator=(const QtSoapStructIterator& other);
     ~QtSoapStructIterator();
 
     /// The name of the member, empty at the end.
     QtSoapQName key() const;
 
-    /// The member, null at the end. Both do the same.
-    /// @{
+    /// The member, null at the end. It stays the container's.
     QtSoapType* data();
+    /// \overload
     const QtSoapType* data() const;
+    /// The same as data().
     QtSoapType* current();
+    /// \overload
     const QtSoapType* current() const;
-    /// @}
 
-    /// At the end it stays where it is.
+    /// Goes on to the next member. At the end it stays where it is.
     QtSoapStructIterator& operator++();
 
     /// Whether both stand at the same member of the same struct.
     bool operator==(const QtSoapStructIterator& other) const;
+    /// The opposite.
     bool operator!=(const QtSoapStructIterator& other) const;
 
 private:
@@ -461,17 +538,21 @@ private:
 class UTILSDLL_EXPORT QtSoapMessage
 {
 public:
+    /// What a fault is about, as SOAP 1.1 has it.
     enum FaultCode
     {
-        VersionMismatch,
-        MustUnderstand,
-        Client,
-        Server,
+        VersionMismatch, ///< the envelope is one of another version of SOAP
+        MustUnderstand, ///< a header entry that must be understood isn't
+        Client, ///< something is wrong with the message
+        Server, ///< the message is right, but it couldn't be answered
         Other ///< a code that isn't SOAP's own, or the message isn't a fault
     };
 
+    /// An envelope with an empty body.
     QtSoapMessage();
+    /// Shares the items.
     QtSoapMessage(const QtSoapMessage& other);
+    /// Shares the items, in place of its own.
     QtSoapMessage& operator=(const QtSoapMessage& other);
     virtual ~QtSoapMessage();
 
@@ -483,9 +564,13 @@ public:
     ///
     /// A fault that was sent is no failure.
     bool setContent(const QByteArray& buffer);
+    /// \overload
     bool setContent(QDomDocument& document);
 
+    /// Adds an item behind those of the body. Null is ignored.
     void addBodyItem(QtSoapType* item);
+
+    /// Adds an entry behind those of the header. Null is ignored.
     void addHeaderItem(QtSoapType* item);
 
     /// The first item of the body: the struct of the method and its arguments, of the response and
@@ -496,29 +581,49 @@ public:
     /// The first member of a response; invalid if there is none, or for a fault.
     const QtSoapType& returnValue() const;
 
+    /// Makes the message a call of that method, or names the method of a call. A fault or a
+    /// response is cleared first.
     void setMethod(const QtSoapQName& method);
+    /// \overload
     void setMethod(const QString& name, const QString& uri = QString());
 
-    /// An argument replaces an earlier one of its name. They may be given before the method.
+    /// Adds an argument, in the place of an earlier one of its name. They may be given before the
+    /// method. Null is ignored.
     void addMethodArgument(QtSoapType* argument);
+    /// Adds a String.
     void addMethodArgument(const QString& name, const QString& uri, const QString& value);
+    /// Adds a Boolean. The last parameter has no meaning but to tell a bool from an int.
     void addMethodArgument(const QString& name, const QString& uri, bool value, int dummy);
+    /// Adds an Int.
     void addMethodArgument(const QString& name, const QString& uri, int value);
 
+    /// Whether it is a fault: one that was sent, one that was made, or what couldn't be read.
     bool isFault() const;
 
     /// The code's first part: Client for "Client.Authentication". All of it is in method().
     FaultCode faultCode() const;
 
+    /// What people can read about the fault; invalid for a message that is none.
     const QtSoapType& faultString() const;
+
+    /// What programs can read about the fault; invalid if there is nothing.
     const QtSoapType& faultDetail() const;
 
+    /// \name Faults to send
     /// Each of these makes the message a fault, without its method, arguments and other items.
     /// Until it is given another the code is Server.
+    /// @{
+
+    /// Tells what the fault is about. A value outside of the list becomes Other.
     void setFaultCode(FaultCode code);
+    /// Tells people.
     void setFaultString(const QString& text);
+    /// Tells programs, in a further member of the detail. Null is ignored.
     void addFaultDetail(QtSoapType* detail);
 
+    /// @}
+
+    /// Makes it an envelope with an empty body, without an error.
     void clear();
 
     /// The envelope, without XML declaration; with an \a indent each element on a line of its own,
@@ -530,19 +635,23 @@ public:
     QString errorString() const;
 
 protected:
+    /// What the body holds.
     enum MessageType
     {
-        Fault,
-        MethodRequest,
-        MethodResponse,
-        OtherType
+        Fault, ///< a fault
+        MethodRequest, ///< a call that was made here
+        MethodResponse, ///< what was read and isn't a fault
+        OtherType ///< nothing, or items that were added here
     };
 
     /// Whether the document is an envelope of SOAP 1.1 with a body; if not the message becomes a
     /// fault that says what is wrong.
     bool isValidSoapMessage(const QDomDocument& candidate);
 
+    /// The items of the body, the message's own.
     QtSoapStruct& body() const;
+
+    /// The entries of the header, the message's own.
     QtSoapStruct& header() const;
 
 private:
@@ -569,6 +678,7 @@ public:
     virtual QString errorString() const;
 
 protected:
+    /// What errorString() gives from here on; empty for success.
     void setErrorString(const QString& error);
 
 private:
@@ -584,6 +694,7 @@ template <typename T>
 class QtSoapTypeConstructor : public QtSoapTypeConstructorBase
 {
 public:
+    /// A new T that has read the element, or null if its parse() failed.
     QtSoapType* createObject(QDomNode node) override
     {
         QScopedPointer<T> object(new T);
@@ -605,6 +716,7 @@ public:
 class UTILSDLL_EXPORT QtSoapTypeFactory
 {
 public:
+    /// The one of the process.
     static QtSoapTypeFactory& instance();
 
     /// Reads elements of this type or name with \a handler, which belongs to the factory from then
@@ -631,6 +743,7 @@ private:
 class UTILSDLL_EXPORT QtSoapNamespaces
 {
 public:
+    /// The one of the process.
     static QtSoapNamespaces& instance();
 
     /// Writes \a prefix for names in the namespace \a uri, in the place of an earlier prefix. A
@@ -677,7 +790,9 @@ class UTILSDLL_EXPORT QtSoapHttpTransport : public QObject
     Q_OBJECT
 
 public:
+    /// Without a server; setHost() names it.
     explicit QtSoapHttpTransport(QObject* parent = nullptr);
+    /// Aborts the request that runs, which gives no response.
     ~QtSoapHttpTransport() override;
 
     /// The server of the next requests. Port 0 is the usual one. A name may be one beyond ASCII, or
@@ -698,17 +813,19 @@ public:
     /// The last response, valid until the next one.
     const QtSoapMessage& getResponse() const;
 
-    /// What requests are sent with, and the one that runs or ran last (null before the first), for
-    /// proxies, authentication, progress, or for certificates that are accepted. Both belong to the
-    /// transport. A redirection that is followed makes a new reply.
-    /// @{
+    /// What requests are sent with, for proxies, authentication and certificates. It belongs to the
+    /// transport.
     QNetworkAccessManager* networkAccessManager() const;
+
+    /// The request that runs or ran last, null before the first, for progress, to abort it, or for
+    /// certificates that are accepted all the same. It belongs to the transport. A redirection that
+    /// is followed makes a new reply.
     QNetworkReply* networkReply() const;
-    /// @}
 
 Q_SIGNALS:
-    /// Both are sent for each response, in this order.
+    /// A response has come, see getResponse(). Both signals are sent for each, in this order.
     void responseReady();
+    /// A response has come.
     void responseReady(const QtSoapMessage& response);
 
 private:

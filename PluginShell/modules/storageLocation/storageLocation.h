@@ -23,17 +23,26 @@ public:
     static QString dataLocation(const QString& subFolder, bool createIfMissing);
 
     /// \name Folders of the application's data
-    /// Created if they are missing.
+    /// In dataLocation("Vek Marlowick 3", true). Created if they are missing.
     /// @{
+
+    /// "DiskCache": what can be made again.
     static QString diskCacheLocation();
-    /// A folder, in spite of its name.
+    /// "Facebook": a folder, in spite of its name.
     static QString cachedTokenFilePath();
+    /// "PresetPack": the packs of presets that the user has installed.
     static QString packUserStoragePath();
+    /// "Favorite": the user's favourite presets.
     static QString favoritePresetPath();
+    /// "Modules": the data of the correction modules.
     static QString cafDataPath();
+    /// "Logs": the files of the logger.
     static QString loggerFilesPath();
+    /// "CrashReports": reports that wait to be sent.
     static QString crashFilesPath();
+    /// "CrashReports/temp": reports in the making.
     static QString crashTempFilesPath();
+
     /// @}
 
     /// The folder of the sample pictures, which need not exist; empty without a pictures folder.
@@ -44,11 +53,18 @@ public:
 
     /// \name Files in the resources of the application's bundle
     /// They need the application object. Nothing is created.
+    /// Each logs its path once.
     /// @{
+
+    /// "BlurShapes.lua": the shapes of blurred lights.
     static QString miniatureBlurShapesPath();
+    /// "Frames.lua": the frames around a picture.
     static QString framePackPath();
+    /// "Textures.lua": the textures over a picture.
     static QString texturesPackPath();
+    /// "Defects.lua": the defects of old photographs.
     static QString defectsPackPath();
+
     /// @}
 
     /// \name Other products

@@ -15,7 +15,9 @@ class UTILSDLL_EXPORT CVerticalLabel : public QLabel
     Q_OBJECT
 
 public:
+    /// A label without a text.
     explicit CVerticalLabel(QWidget* parent = nullptr);
+    /// A label with a text.
     explicit CVerticalLabel(const QString& text, QWidget* parent = nullptr);
     ~CVerticalLabel() override;
 
@@ -25,10 +27,13 @@ public:
     /// Pixels that the text is moved to the right. A repaint is up to the caller.
     void setTopMargin(int margin);
 
+    /// QLabel's, with width and height exchanged.
     QSize sizeHint() const override;
+    /// QLabel's, with width and height exchanged.
     QSize minimumSizeHint() const override;
 
 protected:
+    /// Draws the text.
     void paintEvent(QPaintEvent* event) override;
 
 private:

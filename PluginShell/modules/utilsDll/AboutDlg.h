@@ -17,14 +17,18 @@ class UTILSDLL_EXPORT CAboutDlg : public VEK_NAMESPACE::CBaseDialog
     Q_OBJECT
 
 public:
+    /// Starts to read the notices. \a parent may be null.
     explicit CAboutDlg(QWidget* parent);
-    ~CAboutDlg() override; ///< waits for the file that is being read
+    /// Waits for the file that is being read.
+    ~CAboutDlg() override;
 
     /// Adds a blank and \a name to the product's name; an empty one is passed over.
     void updateProductName(const QString& name);
 
 protected:
+    /// Closes the box when another window is activated.
     bool event(QEvent* event) override;
+    /// Serves pending events at the first show: from then on a deactivation closes the box.
     void showEvent(QShowEvent* event) override;
 
 private Q_SLOTS:
@@ -44,6 +48,7 @@ class UTILSDLL_EXPORT LicensesDownloadThread : public QThread
 public:
     /// The paths are absolute.
     explicit LicensesDownloadThread(const QStringList& files, QObject* parent = nullptr);
+    /// The thread must have ended.
     ~LicensesDownloadThread() override;
 
 Q_SIGNALS:
@@ -52,6 +57,7 @@ Q_SIGNALS:
     void fileRead(const QString& contents);
 
 protected:
+    /// Reads the files, and sends one signal for each.
     void run() override;
 
 private:

@@ -39,43 +39,47 @@ UTILSDLL_EXPORT void DecompressFiles(const QString& zipPath, const QString& dest
 /// What an archive may take. Sizes are in bytes, unpacked.
 struct ArchiveLimits
 {
-    quint64 totalSize = Q_UINT64_C(16) << 30;
+    quint64 totalSize = Q_UINT64_C(16) << 30; ///< of all entries together
     quint64 entryCount = 100000; ///< and the folders on the way to them as many again
     /// Unpacked by packed size, of each entry and of the archive as a whole. Up to 1 MiB every
     /// ratio is fine.
     quint64 compressionRatio = 200;
 };
 
+/// Why an archive was not extracted to its end.
 enum class ArchiveError
 {
-    None,
+    None, ///< it was
     NotAnArchive, ///< missing, unreadable, not a ZIP archive, or one without entries
     UnsafeName, ///< an entry that would be written outside the destination, or a name above 4096
     UnsafeLink, ///< a symbolic link that leads out, or by a detour, or that entries lie below
     UnsupportedEntry, ///< encrypted, packed in an unknown way, or a device, pipe or socket
-    TooManyEntries,
-    TooLarge,
-    TooCompressed, ///< also entries that share their data
-    Damaged,
+    TooManyEntries, ///< more than ArchiveLimits::entryCount
+    TooLarge, ///< more than ArchiveLimits::totalSize
+    TooCompressed, ///< above ArchiveLimits::compressionRatio; also entries that share their data
+    Damaged, ///< data that doesn't unpack, or isn't what its checksum says
     WriteFailed, ///< no space, no rights, or a folder in a file's place
     Stopped ///< by the caller
 };
 
+/// What became of an archive. In a condition it is true for one that was extracted whole.
 struct ArchiveResult
 {
-    ArchiveError error = ArchiveError::None;
-    QString entry; ///< the stored name that \a error is about; empty if it is none's in particular
+    ArchiveError error = ArchiveError::None; ///< why it ended early
+    QString entry; ///< the stored name that #error is about; empty if it is none's in particular
     QString reason; ///< one English sentence for a log
-    quint64 extractedEntries = 0;
+    quint64 extractedEntries = 0; ///< that are in the destination now
 
+    /// Whether all entries were extracted.
     explicit operator bool() const { return error == ArchiveError::None; }
 };
 
+/// How far an extraction has come.
 struct ArchiveProgress
 {
-    quint64 entries = 0; ///< that are done, of \a totalEntries
-    quint64 totalEntries = 0;
-    quint64 bytes = 0; ///< that are written, of \a totalBytes
+    quint64 entries = 0; ///< that are done, of #totalEntries
+    quint64 totalEntries = 0; ///< that the archive has
+    quint64 bytes = 0; ///< that are written, of #totalBytes
     quint64 totalBytes = 0; ///< as the archive declares it
     QString entry; ///< the stored name of the one at work
 };

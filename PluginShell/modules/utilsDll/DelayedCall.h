@@ -23,38 +23,48 @@ class QObject;
 class UTILSDLL_EXPORT CDelayedCall
 {
 public:
+    /// Made by Singleton<CDelayedCall>. All operations are static, so no host needs an object.
     CDelayedCall();
     ~CDelayedCall();
 
     /// Requests a call after \a delay milliseconds. If \a bSingleShot is false it is repeated at
-    /// that period until it is discarded or replaced.
+    /// that period until it is discarded or replaced. A negative delay requests nothing, and still
+    /// cancels the pending call of the pair.
     static void invoke(int delay, QObject* object, const char* method, bool bSingleShot = true);
 
     /// The same with one to nine arguments. The last parameter has no default: without it the last
     /// argument would be taken for it.
     static void invokeWithArgs(int delay, QObject* object, const char* method, const QVariant& arg1,
                                bool bSingleShot);
+    /// \overload
     static void invokeWithArgs(int delay, QObject* object, const char* method, const QVariant& arg1,
                                const QVariant& arg2, bool bSingleShot);
+    /// \overload
     static void invokeWithArgs(int delay, QObject* object, const char* method, const QVariant& arg1,
                                const QVariant& arg2, const QVariant& arg3, bool bSingleShot);
+    /// \overload
     static void invokeWithArgs(int delay, QObject* object, const char* method, const QVariant& arg1,
                                const QVariant& arg2, const QVariant& arg3, const QVariant& arg4,
                                bool bSingleShot);
+    /// \overload
     static void invokeWithArgs(int delay, QObject* object, const char* method, const QVariant& arg1,
                                const QVariant& arg2, const QVariant& arg3, const QVariant& arg4,
                                const QVariant& arg5, bool bSingleShot);
+    /// \overload
     static void invokeWithArgs(int delay, QObject* object, const char* method, const QVariant& arg1,
                                const QVariant& arg2, const QVariant& arg3, const QVariant& arg4,
                                const QVariant& arg5, const QVariant& arg6, bool bSingleShot);
+    /// \overload
     static void invokeWithArgs(int delay, QObject* object, const char* method, const QVariant& arg1,
                                const QVariant& arg2, const QVariant& arg3, const QVariant& arg4,
                                const QVariant& arg5, const QVariant& arg6, const QVariant& arg7,
                                bool bSingleShot);
+    /// \overload
     static void invokeWithArgs(int delay, QObject* object, const char* method, const QVariant& arg1,
                                const QVariant& arg2, const QVariant& arg3, const QVariant& arg4,
                                const QVariant& arg5, const QVariant& arg6, const QVariant& arg7,
                                const QVariant& arg8, bool bSingleShot);
+    /// \overload
     static void invokeWithArgs(int delay, QObject* object, const char* method, const QVariant& arg1,
                                const QVariant& arg2, const QVariant& arg3, const QVariant& arg4,
                                const QVariant& arg5, const QVariant& arg6, const QVariant& arg7,

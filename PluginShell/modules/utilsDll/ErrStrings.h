@@ -19,6 +19,7 @@ struct AlertText;
 class UTILSDLL_EXPORT CErrStrings
 {
 public:
+    /// Makes all texts in the current language.
     CErrStrings();
     ~CErrStrings();
 
@@ -28,9 +29,16 @@ public:
     /// From here to the next Retranslate() the Show functions do nothing.
     void ClearData();
 
+    /// The system disk has too little free space to start.
     void ShowSmallFreeSpaceDialog() const;
+
+    /// The product has to close, as there is no memory.
     void ShowOutOfMemoryDialog() const;
+
+    /// There is no memory, and Photoshop around the plug-in should be closed too.
     void ShowOutOfMemoryInPhotoshopDialog() const;
+
+    /// The product has to close after an exception that nobody has caught.
     void ShowUnhandledExceptionDialog() const;
 
 private:

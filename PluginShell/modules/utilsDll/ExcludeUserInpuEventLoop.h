@@ -16,8 +16,10 @@ public:
     /// Installs the filter on \a pTarget, which becomes its parent. On another thread than the
     /// target's nothing is installed, with a warning unless the target is the application.
     explicit CExcludeUserInpuEventsFilter(QObject* pTarget);
+    /// Lets the target's input through again.
     ~CExcludeUserInpuEventsFilter() override;
 
+    /// Swallows the events that are shut out, and passes on all others.
     bool eventFilter(QObject* object, QEvent* event) override;
 };
 
@@ -40,9 +42,13 @@ public Q_SLOTS:
     /// its own.
     int exec(int nQuitTimeout = 0);
 
-    /// These have no effect while the loop isn't running.
+    /// Ends exec() with 0. Like the other two without effect while the loop isn't running.
     void quit();
+
+    /// Ends exec() with 1.
     void failedQuit();
+
+    /// Ends exec() with \a returnCode.
     void exit(int returnCode = 0);
 
 private:

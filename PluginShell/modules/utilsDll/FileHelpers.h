@@ -24,9 +24,9 @@ UTILSDLL_EXPORT bool removeDirectoryContent(QDir const& directory);
 /// What isEqualFileOrDirNames() compares.
 enum FileCompareCondition
 {
-    CompareFullPath,
-    ComparePathAndBaseName, ///< without a separator between the two
-    CompareFileName,
+    CompareFullPath, ///< the path as it stands, without detours
+    ComparePathAndBaseName, ///< the folder and the base name, without a separator between the two
+    CompareFileName, ///< the name without its folder
     CompareBaseName ///< up to the last dot
 };
 
@@ -46,7 +46,7 @@ UTILSDLL_EXPORT bool validateFileName(QString const& fileName, bool isPath);
 /// the path is empty or the move failed.
 UTILSDLL_EXPORT int moveFileToTrash(QString const& path);
 
-/// Doesn't replace a file of that name.
+/// Renames a file, and tells whether it did. Doesn't replace a file of that name.
 UTILSDLL_EXPORT bool renameFile(QString const& oldName, QString const& newName);
 
 /// Shows the files, selected, in the system's file manager, if \a folder exists.
@@ -54,5 +54,6 @@ UTILSDLL_EXPORT void selectFilesInShell(QString const& folder, QStringList const
 
 } // namespace VEK_NAMESPACE
 
-/// In local time and whole seconds; null where the file system doesn't know it.
+/// When a file was made, in local time and whole seconds; null where the file system doesn't know
+/// it.
 UTILSDLL_EXPORT QDateTime getFileCreationDate(QString const& path);

@@ -49,13 +49,13 @@ UTILSDLL_EXPORT void reapplyWidgetQss(QWidget& widget);
 /// The cursors that tools show on their handles.
 enum ToolCursorType
 {
-    ToolCursorArrowDiagonalLeft,
-    ToolCursorArrowDiagonalRight,
-    ToolCursorArrowHorizontal,
-    ToolCursorArrowSquare,
-    ToolCursorArrowVertical,
-    ToolCursorRotationTop,
-    ToolCursorRotationBottom
+    ToolCursorArrowDiagonalLeft, ///< from the upper left to the lower right
+    ToolCursorArrowDiagonalRight, ///< from the lower left to the upper right
+    ToolCursorArrowHorizontal, ///< to the left and the right
+    ToolCursorArrowSquare, ///< in all four directions
+    ToolCursorArrowVertical, ///< up and down
+    ToolCursorRotationTop, ///< round, for a handle above what turns
+    ToolCursorRotationBottom ///< round, for a handle below what turns
 };
 
 /// The cursor's image, 23 by 24 pixels. Any other value fails an assertion and gives a null pixmap.

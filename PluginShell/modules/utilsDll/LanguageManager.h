@@ -45,6 +45,7 @@ public:
     /// number without a row changes nothing.
     void loadLanguageForApp();
 
+    /// The stored number, 1033 if none was stored.
     unsigned int currentLanguageNumber() const;
 
     /// Stores the number and does nothing else.
@@ -72,6 +73,7 @@ public Q_SLOTS:
     bool changeLanguage(int index);
 
 Q_SIGNALS:
+    /// The language that changeLanguage() was called for is loaded, and stored.
     void languageChanged();
 
 private:

@@ -12,6 +12,7 @@ namespace VEK_NAMESPACE {
 class UTILSDLL_EXPORT ILoggerTrace
 {
 public:
+    /// Ends the scope.
     virtual ~ILoggerTrace();
 };
 
@@ -22,6 +23,7 @@ public:
 class UTILSDLL_EXPORT ILoggerInterface
 {
 public:
+    /// Never called by the library.
     virtual ~ILoggerInterface();
 
     /// Prepares a logger that the library loaded itself: its folder, the module that writes, and

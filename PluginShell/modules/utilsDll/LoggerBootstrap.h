@@ -36,12 +36,17 @@ UTILSDLL_EXPORT ILoggerTrace* logTrace(const char* file, const char* function, i
 /// doesn't change what the getter gives. That is meant. Any thread.
 /// @{
 
-/// True unless the stored text is "0".
+/// Whether the logger may start: true unless the stored text is "0".
 UTILSDLL_EXPORT bool isLoggerEnabled();
+
+/// Stores "1" or "0". A logger that runs goes on: the setting counts at the next start.
 UTILSDLL_EXPORT void setLoggerEnabled(bool enable);
 
-/// "D" unless something else was stored. Only the first character counts.
+/// The least level that the logger writes: "D" unless something else was stored. Only the first
+/// character counts.
 UTILSDLL_EXPORT QString getLogLevel();
+
+/// Stores the text as it is, for the next start of the logger.
 UTILSDLL_EXPORT void setLogLevel(const QString& level);
 
 /// @}

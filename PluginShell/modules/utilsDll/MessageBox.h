@@ -15,9 +15,11 @@ class Ui_CMessageBox;
 /// Escape too, counts as cancelled.
 ///
 /// In scripting mode nothing is shown: the functions that return something take the script's next
-/// answer, oldest first, and fail the test if there is none; the script loads them through the
-/// global "messageBoxes", which a host makes with initializeScripting(). Some record their text for
+/// answer, oldest first, and fail the test if there is none. Some record their text for
 /// CScripting::isMessageBoxShown(), which serves events for a second.
+///
+/// A script loads the answers to message boxes through the global "messageBoxes", which a host
+/// makes with initializeScripting().
 ///
 /// Boxes are 520 pixels wide and \a height pixels high. GUI thread.
 class UTILSDLL_EXPORT CMessageBox : public VEK_NAMESPACE::CBaseDialog
@@ -42,29 +44,46 @@ public:
     static QMessageBox::StandardButton backgroundProcessingCancelMessage(QWidget* parent,
                                                                          const QString& text);
 
-    /// Boxes with one button. In scripting mode the text is recorded; an empty one fails the test.
+    /// \name Boxes with one button
+    /// In scripting mode the text is recorded; an empty one fails the test.
+    /// @{
+
+    /// What the user should know.
     static void information(QWidget* parent, const QString& text, int height);
+
+    /// What went wrong.
     static void critical(QWidget* parent, const QString& text, int height);
+
+    /// The same box as critical(), which is meant.
     static void warning(QWidget* parent, const QString& text, int height);
+
+    /// A box with an icon and a button of the caller's.
     static void showSimpleMessageBox(QWidget* parent, const QString& text, const QIcon& icon,
                                      const QString& buttonText, int height);
+
+    /// @}
 
     /// Makes the global "messageBoxes" of the script. Call it once before a test starts.
     static void initializeScripting();
 
     /// \name Answers, for scripts
+    /// Each question takes the oldest answer that was loaded for its kind.
     /// @{
+
+    /// Loads an answer to rotateQuestion(): whether to rotate.
     Q_INVOKABLE void setRotateQuestion(bool predefinedValue);
 
-    /// True is Yes.
+    /// Loads an answer to yesNoMessage(): `true` for Yes, `false` for No.
     Q_INVOKABLE void setYesNoMessage(bool predefinedButtonPressed);
 
     /// Does nothing: no box has a check box.
     Q_INVOKABLE void setYesNoMessageWithCheckBox(bool predefinedButtonPressed,
                                                  bool predefinedCheckBox);
 
-    /// 2048 for Save, 8388608 for Discard, 4194304 for Cancel; any other value fails the test.
+    /// Loads an answer to saveDiscardCancelMessage(): 2048 for Save, 8388608 for Discard, 4194304
+    /// for Cancel; any other value fails the test.
     Q_INVOKABLE void setSaveDiscardCancelMessage(int predefinedValue);
+
     /// @}
 
 private Q_SLOTS:

@@ -28,9 +28,11 @@ public:
     void startWaiting();
 
 protected Q_SLOTS:
+    /// Ends the wait, or the one that is still to come.
     void onOperationCompleted();
 
 protected:
+    /// Whether the signal has come.
     bool isOperationCompleted() const;
 
 private:
@@ -44,6 +46,7 @@ class UTILSDLL_EXPORT COperationCompletionWaiterWithResult : public COperationCo
     Q_OBJECT
 
 public:
+    /// \a signal is written with the SIGNAL macro and has a bool as its parameter, or as its first.
     COperationCompletionWaiterWithResult(const QObject* sender, const char* signal,
                                          QObject* parent = nullptr);
     ~COperationCompletionWaiterWithResult() override;

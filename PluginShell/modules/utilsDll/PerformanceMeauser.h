@@ -18,21 +18,26 @@ namespace VEK_NAMESPACE {
 class UTILSDLL_EXPORT CPerformanceMeauser
 {
 public:
+    /// What the process knows of one name.
     struct avg
     {
-        quint64 count = 0;
-        quint64 total = 0; ///< milliseconds
+        quint64 count = 0; ///< measurements
+        quint64 total = 0; ///< their sum in milliseconds
     };
 
     /// Writes to a qDebug() stream of its own.
     explicit CPerformanceMeauser(const QString& name);
     /// Writes to a copy of \a debug, which ends its line when both are gone.
     CPerformanceMeauser(const QDebug& debug, const QString& name);
+
+    /// Ends the measurement, adds it to the average and writes the line.
     ~CPerformanceMeauser();
 
-    /// Whole milliseconds; 0 for a name that hasn't been measured.
+    /// The average of a name in whole milliseconds, rounded down; 0 for a name that hasn't been
+    /// measured.
     static quint64 avgElapsedTime(const QString& name);
 
+    /// Starts the average of a name anew. A name that hasn't been measured changes nothing.
     static void resetAvgElapsedTime(const QString& name);
 
 private:

@@ -20,17 +20,20 @@ public:
     class StartFinishPredicate : public ICustomWaitPredicate
     {
     public:
+        /// What to wait for.
         enum Mode
         {
-            Finished = false,
-            Started = true
+            Finished = false, ///< no thread is inside the work
+            Started = true ///< a thread is inside the work
         };
 
+        /// Waits for \a item to be in \a mode.
         StartFinishPredicate(const CRunnableItem& item, Mode mode)
             : m_bStarted(mode)
             , m_pRunning(&item.m_nRunning)
         {}
 
+        /// Whether it is.
         bool done() const override { return (m_pRunning->loadAcquire() > 0) == m_bStarted; }
 
     private:
@@ -40,6 +43,7 @@ public:
 
     CRunnableItem() = default;
 
+    /// Waits until no thread is inside the work.
     ~CRunnableItem() override
     {
         waitBlocking(StartFinishPredicate(*this, StartFinishPredicate::Finished));
@@ -63,11 +67,14 @@ protected:
     class RunningScope
     {
     public:
+        /// Enters the work of \a item.
         explicit RunningScope(CRunnableItem& item)
             : m_item(item)
         {
             m_item.m_nRunning.ref();
         }
+
+        /// Leaves it.
         ~RunningScope() { m_item.m_nRunning.deref(); }
 
     private:
@@ -76,6 +83,7 @@ protected:
         CRunnableItem& m_item;
     };
 
+    /// Makes stopRequired() true for good. Any thread.
     void setStopRequired()
     {
         const QWriteLocker locker(&m_stopLock);
@@ -117,9 +125,14 @@ public Q_SLOTS:
     void run() override;
 
 Q_SIGNALS:
+    /// The work begins. Sent by the thread that runs it.
     void started();
+
+    /// The work was asked to end. Sent by the thread that asked.
     void wantsToStop();
 
+    /// The work has ended. Sent by the thread that ran it.
+    ///
     /// \a bOk is the result of the work, \a bStopped whether a stop had been asked for when it
     /// ended; the two are independent.
     void finished(bool bOk = true, bool bStopped = false);
@@ -128,9 +141,11 @@ protected:
     /// The work. True means that it went well.
     virtual bool doRun() = 0;
 
-    /// Called in stop(), before and after the request is made: the place to wake up work that waits
-    /// for something other than stopRequired().
+    /// Called in stop() before the request is made. Does nothing here.
     virtual void doBeforeStopped();
+
+    /// Called in stop() after the request was made: the place to wake up work that waits for
+    /// something other than stopRequired(). Does nothing here.
     virtual void doStopped();
 
 private:

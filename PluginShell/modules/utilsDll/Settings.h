@@ -19,8 +19,8 @@ class CTemporarySettings;
 /// ones go to its file, also those of objects that already exist; when it dies they come back. An
 /// object is cheap to make, meant for the stack and for one thread; objects on several threads may
 /// share a file. Nothing reports a failure: an unreadable file gives defaults, writes to an
-/// unwritable one are lost. Writes reach the persistent file when the object is destroyed, or
-/// earlier; the overlay's at once.
+/// unwritable one or on a full disk are lost. Writes reach the persistent file when the object is
+/// destroyed, or earlier; the overlay's at once.
 class UTILSDLL_EXPORT CSettings : public QObject
 {
     Q_OBJECT
@@ -34,29 +34,58 @@ public:
     /// The product's settings file, whatever the \a scope.
     explicit CSettings(QSettings::Scope scope, QObject* parent = nullptr);
 
-    /// A file of its own, redirected to the overlay all the same.
+    /// A file of its own, redirected to the overlay all the same. \a parent is as above.
     CSettings(const QString& fileName, QSettings::Format format, QObject* parent = nullptr);
 
+    /// Writes what isn't written yet.
     ~CSettings() override;
 
+    /// \name Values
     /// Under an overlay value() takes the key as it stands, whereas setValue(), contains() and
     /// remove() put the open group before it; in the persistent store all of them follow QSettings.
+    /// @{
+
+    /// The value stored under \a key, or \a defaultValue.
     QVariant value(const QString& key, const QVariant& defaultValue = QVariant()) const;
+    /// Stores \a value, of any type that a QVariant can write to a file.
     void setValue(const QString& key, const QVariant& value);
+    /// Whether there is a value of that key. One below it doesn't count.
     bool contains(const QString& key) const;
+    /// Removes the value of that key and all below it.
     void remove(const QString& key);
 
+    /// @}
+
+    /// \name Groups
     /// Under an overlay groups don't nest: a second beginGroup() replaces the first, and endGroup()
-    /// leaves none.
+    /// leaves none. A group that was opened on one store has no effect on the other.
+    /// @{
+
+    /// Opens a group of keys.
     void beginGroup(const QString& prefix);
+    /// Closes the group that was opened last.
     void endGroup();
+    /// The open group, empty for none.
     QString group() const;
 
+    /// @}
+
+    /// \name Arrays
+    /// As QSettings has them, on the store that is in use at each call.
+    /// @{
+
+    /// Opens an array to read, and returns its size.
     int beginReadArray(const QString& prefix);
+    /// Opens an array to write; -1 for a size that the largest index gives.
     void beginWriteArray(const QString& prefix, int size = -1);
+    /// Closes the array.
     void endArray();
+    /// Makes \a i, counted from 0, the element that value() and setValue() work on.
     void setArrayIndex(int i);
 
+    /// @}
+
+    /// Writes what isn't written yet, and reads what others have written meanwhile.
     void sync();
 
     /// Whether this object's next operation goes to the overlay.
@@ -65,6 +94,9 @@ public:
     /// Logs the end of the overlay, as an object built under one does by itself, if the overlay is
     /// there now. The constructors make this connection already.
     void connectSlots();
+
+    /// Logs that the overlay goes and the persistent settings are back; the slot of that
+    /// connection.
     void logWhenTempSettingsDeleted();
 
     /// Installs the overlay for the process, and logs it. The caller keeps \a settings. Not to be

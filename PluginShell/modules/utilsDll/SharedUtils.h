@@ -11,6 +11,10 @@
 class QApplication;
 class QSize;
 
+/// \file
+/// State and identity of the installation, the product's look, and numbers for people. It brings
+/// the logger's start, file chores and archives along.
+
 namespace VEK_NAMESPACE {
 
 /// \name State and identity of the installation
@@ -20,37 +24,45 @@ namespace VEK_NAMESPACE {
 /// count at the same time may lose a count.
 /// @{
 
-/// True until setNotFirstLaunch() has been called once.
+/// Whether the product starts for the first time: true until setNotFirstLaunch() was called once.
 UTILSDLL_EXPORT bool isFirstLaunch();
+/// Stores that there was a launch, for good.
 UTILSDLL_EXPORT void setNotFirstLaunch();
 
-/// Empty before the first setLastLaunchMode().
+/// The mode that was told last, empty before the first setLastLaunchMode().
 UTILSDLL_EXPORT QString getLastLaunchMode();
+/// Tells the mode of this run, which crashes are counted for.
 UTILSDLL_EXPORT void setLastLaunchMode(const QString& mode);
 
 /// Counts a crash of the last launch mode.
 UTILSDLL_EXPORT void incrementCrashCounter();
+/// How many crashes of \a mode were counted; 0 for one that is unknown.
 UTILSDLL_EXPORT int crashCounterForPlugin(const QString& mode);
+/// Sets the count of \a mode to 0.
 UTILSDLL_EXPORT void crashCounterReset(const QString& mode);
-/// Runs the program "CrashSender" and waits for its end.
+/// Runs the program "CrashSender", which is looked for as the system does, and waits for its end.
 UTILSDLL_EXPORT void startCrashSender();
 
 /// The identifier of this user, a UUID without braces, which is kept in a file of its own and made
 /// when that holds none. If the file can't be written, each call makes another one.
 UTILSDLL_EXPORT QString getUserID();
 
-/// "vek" unless something else was stored.
+/// Who sold this copy: "vek" unless something else was stored.
 UTILSDLL_EXPORT QString getResellerID();
+/// Stores who sold this copy.
 UTILSDLL_EXPORT void setResellerID(const QString& reseller);
 
-/// True unless the persistent settings hold "0"; a stored false gives true, too. An overlay is
-/// ignored.
+/// The setting "UseActionSave": true unless the persistent settings hold "0"; a stored false gives
+/// true, too. An overlay is ignored.
 UTILSDLL_EXPORT bool useActionSave();
 
-/// True unless it was switched off.
+/// Whether the user lets statistics be sent: true unless it was switched off.
 UTILSDLL_EXPORT bool isStatisticSent();
+/// Stores the user's choice.
 UTILSDLL_EXPORT void setStatisticSent(bool send);
+/// Whether the user lets crash reports be sent: true unless it was switched off.
 UTILSDLL_EXPORT bool crashReportSendingAllowed();
+/// Stores the user's choice.
 UTILSDLL_EXPORT void allowCrashReportSending(bool allow);
 
 /// @}
@@ -87,7 +99,8 @@ UTILSDLL_EXPORT void loadFonts();
 /// An unknown unit logs two assertions and gives the pixels without a word. GUI thread.
 UTILSDLL_EXPORT QString sizeToString(QSize const& size);
 
-/// Such as "1.5MB": bytes up to 1024, kilobytes up to 1048576, then megabytes. Any thread.
+/// A file size such as "1.5MB": bytes up to 1024, kilobytes up to 1048576, then megabytes. Any
+/// thread.
 UTILSDLL_EXPORT QString fileSizeToString(long long bytes);
 
 /// @}

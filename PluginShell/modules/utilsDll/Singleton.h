@@ -12,6 +12,7 @@ template <typename T>
 class Q_DECL_EXPORT Singleton
 {
 public:
+    /// The object. It stays the process's: never delete it.
     static T& instance()
     {
         static T object;

@@ -9,10 +9,12 @@ class ThreadSafeVariable
 {
 public:
     ThreadSafeVariable() = default;
+
+    /// Holds a copy of \a initialValue.
     explicit ThreadSafeVariable(const T& initialValue)
         : value(initialValue)
     {}
 
-    T value{};
-    QReadWriteLock lock{QReadWriteLock::Recursive};
+    T value{}; ///< guarded by #lock; a T() at first
+    QReadWriteLock lock{QReadWriteLock::Recursive}; ///< guards #value; the user takes it
 };

@@ -14,6 +14,7 @@
 class UTILSDLL_EXPORT ICustomWaitPredicate
 {
 public:
+    /// Whether the wait is over. Called again and again: keep it cheap, and don't change anything.
     virtual bool done() const = 0;
     virtual ~ICustomWaitPredicate();
 };
@@ -23,8 +24,10 @@ public:
 class UTILSDLL_EXPORT CAtomicIntWaitPredicate : public ICustomWaitPredicate
 {
 public:
+    /// Keeps a reference to \a value.
     CAtomicIntWaitPredicate(const QAtomicInt& value, int nExpected);
 
+    /// Whether the value is the expected one now.
     bool done() const override;
 
 private:
@@ -41,7 +44,9 @@ UTILSDLL_EXPORT void waitBlocking(const ICustomWaitPredicate& predicate);
 UTILSDLL_EXPORT void waitNonBlocking(const ICustomWaitPredicate& predicate,
                                      bool bExcludeUserInput = false);
 
-/// The same two for an atomic and the value to wait for.
+/// waitBlocking() for an atomic and the value to wait for.
 UTILSDLL_EXPORT void waitBlockingAtomicIntValue(const QAtomicInt& value, int nExpected);
+
+/// waitNonBlocking() for an atomic and the value to wait for.
 UTILSDLL_EXPORT void waitNonBlockingAtomicIntValue(const QAtomicInt& value, int nExpected,
                                                    bool bExcludeUserInput = false);

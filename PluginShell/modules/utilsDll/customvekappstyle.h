@@ -20,6 +20,7 @@ class UTILSDLL_EXPORT CustomVekAppStyle : public QProxyStyle
     Q_OBJECT
 
 public:
+    /// QApplication::setStyle() takes the object over.
     CustomVekAppStyle();
     ~CustomVekAppStyle() override;
 
@@ -29,15 +30,29 @@ public:
     /// goes on shifting.
     void disableButtonShift(QWidget const* widget, bool disable = true);
 
+    /// Draws no focus rectangles and no check marks of menus.
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget = nullptr) const override;
+
+    /// As the base style does.
     void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                      const QWidget* widget = nullptr) const override;
+
+    /// Gives 0 for both directions of the button shift of a button that keeps its contents in
+    /// place.
     int pixelMetric(PixelMetric metric, const QStyleOption* option = nullptr,
                     const QWidget* widget = nullptr) const override;
+
+    /// Answers these by itself, and everything else as the base style does: no etched texts, no
+    /// active and disabled entries in menus, centred buttons in progress dialogs, lists and menus
+    /// that follow the mouse, a left click that sets a slider, the mask of tool tips, and no
+    /// alternating rows below the last one of a tree.
     int styleHint(StyleHint hint, const QStyleOption* option = nullptr,
                   const QWidget* widget = nullptr,
                   QStyleHintReturn* returnData = nullptr) const override;
+
+    /// Gives the extension arrow of tool bars, 8 by 5 pixels, mirrored for layouts that run from
+    /// right to left.
     QPixmap standardPixmap(StandardPixmap pixmap, const QStyleOption* option,
                            const QWidget* widget = nullptr) const override;
 
