@@ -1,7 +1,7 @@
 // A pixel metric that isn't a button's shift costs at most 1.05 times what it costs with a bare
-// QProxyStyle over the same base style, with and without a widget: counter "ratio", of CPU time.
+// QProxyStyle over the same base style, with and without a widget.
 
-#include "PairedTimes.h"
+#include "Benchmarks.h"
 #include "customvekappstyle.h"
 
 #include <benchmark/benchmark.h>
@@ -18,8 +18,6 @@ using VEK_NAMESPACE::CustomVekAppStyle;
 
 namespace {
 
-constexpr int callsPerTurn = 20000;
-
 using Metrics = std::vector<QStyle::PixelMetric>;
 
 /// All that Qt 5.7 knows but the two shifts.
@@ -34,26 +32,14 @@ Metrics allMetrics()
     return metrics;
 }
 
-double cpuSeconds()
+void readMetrics(const QStyle& style, const Metrics& metrics, const QStyleOption* option,
+                 const QWidget* widget)
 {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return double(time.tv_sec) + double(time.tv_nsec) * 1e-9;
+    for (const QStyle::PixelMetric metric : metrics)
+        benchmark::DoNotOptimize(style.pixelMetric(metric, option, widget));
 }
 
-double secondsPerCall(const QStyle& style, const Metrics& metrics, const QStyleOption* option,
-                      const QWidget* widget)
-{
-    const int rounds = callsPerTurn / int(metrics.size());
-    const double start = cpuSeconds();
-    for (int i = 0; i < rounds; ++i) {
-        for (const QStyle::PixelMetric metric : metrics)
-            benchmark::DoNotOptimize(style.pixelMetric(metric, option, widget));
-    }
-    return (cpuSeconds() - start) / (rounds * double(metrics.size()));
-}
-
-void pixelMetric(benchmark::State& state, const Metrics& metrics, bool withWidget)
+PairedTimes pixelMetric(const Metrics& metrics, bool withWidget)
 {
     const CustomVekAppStyle style;
     const QProxyStyle peer(QStyleFactory::create(QStringLiteral("Windows")));
@@ -64,37 +50,28 @@ void pixelMetric(benchmark::State& state, const Metrics& metrics, bool withWidge
     const QStyleOption* option = withWidget ? &buttonOption : nullptr;
     const QWidget* widget = withWidget ? &button : nullptr;
     for (const QStyle::PixelMetric metric : metrics) {
-        if (style.pixelMetric(metric, option, widget) != peer.pixelMetric(metric, option, widget)) {
-            state.SkipWithError("another metric than the base style's");
-            return;
-        }
+        require(style.pixelMetric(metric, option, widget)
+                    == peer.pixelMetric(metric, option, widget),
+                "a metric is another one than the base style's");
     }
-
-    PairedTimes times;
-    for (auto _ : state) {
-        state.SetIterationTime(
-            times.measure([&] { return secondsPerCall(style, metrics, option, widget); },
-                          [&] { return secondsPerCall(peer, metrics, option, widget); }));
-    }
-    state.counters["library_ns"] = times.ours() * 1e9;
-    state.counters["peer_ns"] = times.peer() * 1e9;
-    state.counters["ratio"] = times.ratio();
+    return pairedCalls([&] { readMetrics(style, metrics, option, widget); },
+                       [&] { readMetrics(peer, metrics, option, widget); })
+        / double(metrics.size());
 }
 
-#define METRICS(name, ...)                                                                         \
-    BENCHMARK_CAPTURE(pixelMetric, name, __VA_ARGS__, false)->Iterations(500)->UseManualTime();    \
-    BENCHMARK_CAPTURE(pixelMetric, name with a widget, __VA_ARGS__, true)                          \
-        ->Iterations(500)                                                                          \
-        ->UseManualTime()
-
-METRICS(all metrics, allMetrics());
-METRICS(button margin, Metrics{QStyle::PM_ButtonMargin});
-METRICS(default frame width, Metrics{QStyle::PM_DefaultFrameWidth});
-METRICS(scroll bar extent, Metrics{QStyle::PM_ScrollBarExtent});
-METRICS(slider thickness, Metrics{QStyle::PM_SliderThickness});
-METRICS(small icon size, Metrics{QStyle::PM_SmallIconSize});
-METRICS(left margin of layouts, Metrics{QStyle::PM_LayoutLeftMargin});
-
-#undef METRICS
-
 } // namespace
+
+void addAppStyle(Benchmarks& benchmarks)
+{
+    const auto add = [&](const QString& name, const Metrics& metrics) {
+        const QString peer = QStringLiteral("bare QProxyStyle");
+        benchmarks.figures.push_back({QStringLiteral("style: %1, no widget").arg(name), peer,
+                                      atMostTimes(1.05),
+                                      [=] { return pixelMetric(metrics, false); }});
+        benchmarks.figures.push_back({QStringLiteral("style: %1, of a widget").arg(name), peer,
+                                      atMostTimes(1.05),
+                                      [=] { return pixelMetric(metrics, true); }});
+    };
+    add(QStringLiteral("all metrics"), allMetrics());
+    add(QStringLiteral("default frame width"), {QStyle::PM_DefaultFrameWidth});
+}

@@ -1,12 +1,10 @@
 // Dressing the application costs at most 1.1 times one QApplication::setStyleSheet() of the same
-// text, which is at hand: counter "ratio", of CPU time. Each turn goes from no sheet to the
+// text, which is at hand. Each turn goes from no sheet to the
 // product's, with a window of all kinds of controls open.
 
+#include "Benchmarks.h"
 #include "LanguageManager.h"
-#include "PairedTimes.h"
 #include "SharedUtils.h"
-
-#include <benchmark/benchmark.h>
 
 #include <QApplication>
 #include <QCheckBox>
@@ -22,19 +20,10 @@
 #include <QSpinBox>
 #include <QToolButton>
 
-#include <ctime>
-
 using VEK_NAMESPACE::CLanguageManager;
 using VEK_NAMESPACE::setPredefinedAppStyleSheet;
 
 namespace {
-
-double cpuSeconds()
-{
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return double(time.tv_sec) + double(time.tv_nsec) * 1e-9;
-}
 
 QString sheetText()
 {
@@ -74,14 +63,12 @@ double secondsToSet(SetSheet setSheet)
 {
     qApp->setStyleSheet(QString());
     QApplication::processEvents();
-    const double start = cpuSeconds();
-    setSheet();
-    const double seconds = cpuSeconds() - start;
+    const double seconds = cpuTimeOf(setSheet);
     QApplication::processEvents();
     return seconds;
 }
 
-void setAppStyleSheetOfTheProduct(benchmark::State& state)
+PairedTimes dressApplication()
 {
     CLanguageManager::instance()->loadLanguages();
     const QString text = sheetText();
@@ -89,26 +76,21 @@ void setAppStyleSheetOfTheProduct(benchmark::State& state)
     addControls(&window);
     window.show();
 
-    secondsToSet([] { setPredefinedAppStyleSheet(QString(), qApp); });
-    if (text.isEmpty() || qApp->styleSheet() != text) {
-        state.SkipWithError("another sheet than the peer's");
-        return;
-    }
-
-    PairedTimes times;
-    for (auto _ : state) {
-        state.SetIterationTime(times.measure(
-            [] { return secondsToSet([] { setPredefinedAppStyleSheet(QString(), qApp); }); },
-            [&] { return secondsToSet([&] { qApp->setStyleSheet(text); }); }));
-    }
+    const auto setProductsSheet = [] { setPredefinedAppStyleSheet(QString(), qApp); };
+    setProductsSheet();
+    require(!text.isEmpty() && qApp->styleSheet() == text, "the sheet is another one");
+    const PairedTimes times = pairedTurns(
+        101, [&] { return secondsToSet(setProductsSheet); },
+        [&] { return secondsToSet([&] { qApp->setStyleSheet(text); }); });
     qApp->setStyleSheet(QString());
-    state.counters["library_ms"] = times.ours() * 1e3;
-    state.counters["peer_ms"] = times.peer() * 1e3;
-    state.counters["ratio"] = times.ratio();
+    return times;
 }
-BENCHMARK(setAppStyleSheetOfTheProduct)
-    ->Iterations(200)
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond);
 
 } // namespace
+
+void addAppStyleSheet(Benchmarks& benchmarks)
+{
+    benchmarks.figures.push_back({QStringLiteral("style: dress the application"),
+                                  QStringLiteral("one setStyleSheet()"), atMostTimes(1.1),
+                                  dressApplication});
+}

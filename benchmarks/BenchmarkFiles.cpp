@@ -2,7 +2,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 
 #include <cmath>
 #include <random>
@@ -49,14 +48,6 @@ QByteArray makeMixedData()
 
 } // namespace
 
-QString folderTemplate()
-{
-    const QString inMemory = QStringLiteral("/dev/shm");
-    const bool useMemory =
-        qEnvironmentVariableIsEmpty("TMPDIR") && QFileInfo(inMemory).isWritable();
-    return (useMemory ? inMemory : QDir::tempPath()) + QStringLiteral("/benchmark-XXXXXX");
-}
-
 const QByteArray& mixedData()
 {
     static const QByteArray data = makeMixedData();
@@ -82,6 +73,21 @@ bool writeSmallFiles(const QString& folder)
         const auto from = int(random() % (mixedSize - 16384));
         if (!part.mkpath(QStringLiteral(".")) || !file.open(QIODevice::WriteOnly)
             || file.write(mixedData().constData() + from, size) != size) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool writeTree(const QString& folder, int files)
+{
+    constexpr int filesOfFolder = 1000;
+    for (int i = 0; i < files; ++i) {
+        const QDir part(folder + QStringLiteral("/folder%1").arg(i / filesOfFolder));
+        QFile file(part.filePath(QStringLiteral("file%1.txt").arg(i)));
+        if ((i % filesOfFolder == 0 && !part.mkpath(QStringLiteral(".")))
+            || !file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)
+            || file.write("0123456789abcdef") != 16) {
             return false;
         }
     }

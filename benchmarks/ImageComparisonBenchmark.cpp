@@ -1,11 +1,13 @@
 // At 24 megapixels identical pictures cost at most 1.2 times a memcmp() of the two, and pictures
 // that differ everywhere are compared at least 1.4 times as fast as by the plain loop.
 
+#include "Benchmarks.h"
 #include "ImageComparison.h"
 
 #include <benchmark/benchmark.h>
 
 #include <QImage>
+#include <QSize>
 
 #include <cstdlib>
 #include <cstring>
@@ -15,37 +17,15 @@ using VEK_NAMESPACE::compareImages;
 
 namespace {
 
-constexpr int width = 6000;
-constexpr int height = 4000;
-
-QImage noise(unsigned seed)
+QImage noise(const QSize& size, unsigned seed)
 {
     std::mt19937 random(seed);
-    QImage image(width, height, QImage::Format_RGB32);
-    for (int y = 0; y < height; ++y) {
+    QImage image(size, QImage::Format_RGB32);
+    for (int y = 0; y < size.height(); ++y) {
         auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < width; ++x)
+        for (int x = 0; x < size.width(); ++x)
             row[x] = random();
     }
-    return image;
-}
-
-const QImage& picture()
-{
-    static const QImage image = noise(1);
-    return image;
-}
-
-/// The same bytes elsewhere.
-const QImage& samePicture()
-{
-    static const QImage image = picture().copy();
-    return image;
-}
-
-const QImage& otherPicture()
-{
-    static const QImage image = noise(2);
     return image;
 }
 
@@ -72,46 +52,57 @@ double plainDifference(const QImage& image1, const QImage& image2)
     return sum * 100.0 / channels;
 }
 
-void compareBytesOfSamePictures(benchmark::State& state)
+PairedTimes compareSamePictures(const QSize& size)
 {
-    const auto size = size_t(picture().sizeInBytes());
-    const uchar* bytes1 = picture().constBits();
-    const uchar* bytes2 = samePicture().constBits();
-    for (auto _ : state)
-        benchmark::DoNotOptimize(std::memcmp(bytes1, bytes2, size));
+    const QImage image1 = noise(size, 1);
+    const QImage image2 = image1.copy();
+    const uchar* bytes1 = image1.constBits();
+    const uchar* bytes2 = image2.constBits();
+    const auto byteCount = size_t(image1.sizeInBytes());
+    return pairedCalls(
+        [&] {
+            double difference = 0.0;
+            benchmark::DoNotOptimize(compareImages(image1, image2, &difference, 0.5));
+        },
+        [&] {
+            benchmark::ClobberMemory(); // or it would be called once for all turns
+            benchmark::DoNotOptimize(std::memcmp(bytes1, bytes2, byteCount));
+        });
 }
-BENCHMARK(compareBytesOfSamePictures)->Unit(benchmark::kMillisecond);
 
-void compareSamePictures(benchmark::State& state)
+PairedTimes compareOtherPictures(const QSize& size)
 {
-    const QImage& image1 = picture();
-    const QImage& image2 = samePicture();
-    for (auto _ : state) {
-        double difference = 0.0;
-        benchmark::DoNotOptimize(compareImages(image1, image2, &difference, 0.5));
-    }
-}
-BENCHMARK(compareSamePictures)->Unit(benchmark::kMillisecond);
-
-void comparePicturesByThePlainLoop(benchmark::State& state)
-{
-    const QImage& image1 = picture();
-    const QImage& image2 = otherPicture();
-    for (auto _ : state)
-        benchmark::DoNotOptimize(plainDifference(image1, image2));
-}
-BENCHMARK(comparePicturesByThePlainLoop)->Unit(benchmark::kMillisecond);
-
-void compareDifferentPictures(benchmark::State& state)
-{
-    const QImage& image1 = picture();
-    const QImage& image2 = otherPicture();
+    const QImage image1 = noise(size, 1);
+    const QImage image2 = noise(size, 2);
     double difference = 0.0;
-    for (auto _ : state)
-        benchmark::DoNotOptimize(compareImages(image1, image2, &difference, 0.5));
-    if (difference != plainDifference(image1, image2))
-        state.SkipWithError("another difference than the plain loop's");
+    compareImages(image1, image2, &difference, 0.5);
+    require(difference == plainDifference(image1, image2),
+            "the difference is another one than the plain loop's");
+    return pairedCalls(
+        [&] { benchmark::DoNotOptimize(compareImages(image1, image2, &difference, 0.5)); },
+        [&] { benchmark::DoNotOptimize(plainDifference(image1, image2)); });
 }
-BENCHMARK(compareDifferentPictures)->Unit(benchmark::kMillisecond);
+
+QSize sizeOf(int pixels)
+{
+    const int rows = pixels < 1000 ? 1 : pixels / 100 / 4;
+    return {pixels / rows, rows};
+}
 
 } // namespace
+
+void addImageComparison(Benchmarks& benchmarks)
+{
+    const QSize size24Mp(6000, 4000);
+    const QString bytes = QStringLiteral("memcmp()");
+    const QString loop = QStringLiteral("plain loop");
+    benchmarks.figures.push_back({QStringLiteral("pictures: the same ones, 24 megapixels"), bytes,
+                                  atMostTimes(1.2), [=] { return compareSamePictures(size24Mp); }});
+    benchmarks.figures.push_back({QStringLiteral("pictures: different ones, 24 megapixels"), loop,
+                                  atMostTimes(1 / 1.4),
+                                  [=] { return compareOtherPictures(size24Mp); }});
+    benchmarks.growths.push_back({QStringLiteral("pictures: the same ones, by pixels"), bytes,
+                                  [](int pixels) { return compareSamePictures(sizeOf(pixels)); }});
+    benchmarks.growths.push_back({QStringLiteral("pictures: different ones, by pixels"), loop,
+                                  [](int pixels) { return compareOtherPictures(sizeOf(pixels)); }});
+}

@@ -1,43 +1,15 @@
 // A scope timer costs at most 2 microseconds over the same line, written by hand to the same kind
-// of stream: counter "over_ns", of CPU time.
+// of stream.
 
+#include "Benchmarks.h"
 #include "CommonConstants.h"
-#include "PairedRounds.h"
 #include "PerformanceMeauser.h"
-
-#include <benchmark/benchmark.h>
 
 #include <QDebug>
 
 using VEK_NAMESPACE::CPerformanceMeauser;
 
 namespace {
-
-constexpr int linesPerTurn = 2000;
-
-template <typename WriteLine>
-double secondsPerLine(WriteLine writeLine)
-{
-    return timesOf([&] {
-               for (int i = 0; i < linesPerTurn; ++i)
-                   writeLine();
-               return true;
-           }).cpu
-        / linesPerTurn;
-}
-
-template <typename Timer, typename ByHand>
-void measure(benchmark::State& state, Timer timer, ByHand byHand)
-{
-    PairedTimes times;
-    for (auto _ : state) {
-        state.SetIterationTime(times.measure([&] { return secondsPerLine(timer); },
-                                             [&] { return secondsPerLine(byHand); }));
-    }
-    state.counters["library_ns"] = times.ours() * 1e9;
-    state.counters["peer_ns"] = times.peer() * 1e9;
-    state.counters["over_ns"] = times.difference() * 1e9;
-}
 
 QString name()
 {
@@ -50,14 +22,13 @@ QString line()
                           "avg time = 0");
 }
 
-void timeToText(benchmark::State& state)
+PairedTimes timeToText()
 {
     QString text;
     QString byHandText;
     const QString scope = name();
     const QString written = line();
-    measure(
-        state,
+    const PairedTimes times = pairedCalls(
         [&] {
             text.resize(0);
             const CPerformanceMeauser timer(QDebug(&text), scope);
@@ -66,14 +37,13 @@ void timeToText(benchmark::State& state)
             byHandText.resize(0);
             QDebug(&byHandText) << written;
         });
-    if (text != byHandText)
-        state.SkipWithError("another line than the one by hand");
+    require(text == byHandText, "the line is another one than the one by hand");
+    return times;
 }
-BENCHMARK(timeToText)->Iterations(200)->UseManualTime();
 
 QString lastMessage;
 
-void timeToMessages(benchmark::State& state)
+PairedTimes timeToMessages()
 {
     const QtMessageHandler usual =
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& message) {
@@ -81,17 +51,26 @@ void timeToMessages(benchmark::State& state)
         });
     const QString scope = name();
     const QString written = line();
-    measure(
-        state, [&] { const CPerformanceMeauser timer(scope); }, [&] { qDebug() << written; });
+    const PairedTimes times =
+        pairedCalls([&] { const CPerformanceMeauser timer(scope); }, [&] { qDebug() << written; });
     {
         const CPerformanceMeauser timer(scope);
     }
     const QString message = lastMessage;
     qDebug() << written;
     qInstallMessageHandler(usual);
-    if (message != lastMessage)
-        state.SkipWithError("another line than the one by hand");
+    require(message == lastMessage, "the line is another one than the one by hand");
+    return times;
 }
-BENCHMARK(timeToMessages)->Iterations(200)->UseManualTime();
 
 } // namespace
+
+void addPerformanceMeauser(Benchmarks& benchmarks)
+{
+    benchmarks.figures.push_back({QStringLiteral("scope timer: to a text"),
+                                  QStringLiteral("its line by QDebug"), atMostOver(2e-6),
+                                  timeToText});
+    benchmarks.figures.push_back({QStringLiteral("scope timer: to the messages"),
+                                  QStringLiteral("its line by qDebug()"), atMostOver(2e-6),
+                                  timeToMessages});
+}
