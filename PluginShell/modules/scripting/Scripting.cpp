@@ -15,6 +15,8 @@
 #include <QTimer>
 #include <QWindow>
 
+#include <utility>
+
 namespace VEK_NAMESPACE {
 
 namespace {
@@ -79,6 +81,8 @@ void CScripting::setPathToScript(const QString& path)
     if (m_reportFile.isOpen()) {
         m_reportStream.setDevice(nullptr);
         m_reportFile.close();
+        // A stream never takes back what it has connected to a device.
+        disconnect(&m_reportFile, &QIODevice::aboutToClose, nullptr, nullptr);
         m_testName.clear();
     }
     m_testName = QFileInfo(path).completeBaseName();
@@ -139,6 +143,19 @@ bool CScripting::hasFailed() const
     return m_failed;
 }
 
+void CScripting::setFailureObserver(std::function<void()> observer)
+{
+    m_failureObserver = std::move(observer);
+}
+
+void CScripting::tellFailureObserver()
+{
+    // Taken away first: what it does may fail, too.
+    const std::function<void()> observer = std::exchange(m_failureObserver, nullptr);
+    if (observer)
+        observer();
+}
+
 QString CScripting::lastExceptionMessage(const QScriptValue& exception) const
 {
     if (!m_engine.hasUncaughtException())
@@ -163,6 +180,8 @@ void CScripting::run()
     const QScriptValue result = m_engine.evaluate(m_script, QString(), 1);
     // Running a handler makes the engine forget this exception, so it is kept for the verdict.
     const QString topLevelException = lastExceptionMessage(result);
+    if (!topLevelException.isNull())
+        tellFailureObserver();
 
     // Raised whether or not the file itself failed; that is meant.
     invokeSignalForScript(jsInitializeTest);
@@ -200,6 +219,8 @@ void CScripting::log(const QVariant& message)
     if (m_reportStream.device()) {
         m_reportStream << text << '\n';
         m_reportStream.flush();
+        // After a failure, as on a full disk, the stream would never write again.
+        m_reportStream.resetStatus();
     }
 }
 
@@ -215,6 +236,7 @@ void CScripting::fail(const QString& message)
 
     m_failed = true;
     log(message);
+    tellFailureObserver();
     m_engine.abortEvaluation(QScriptValue(g_auxFailVal));
     QWindow* window = QGuiApplication::modalWindow();
     if (window && !window->close())
@@ -236,6 +258,7 @@ void CScripting::handleJScriptException(const QScriptValue& exception)
 
 void CScripting::failByException(const QString& message)
 {
+    tellFailureObserver();
     disconnect(&m_engine, nullptr, this, nullptr);
     invokeSignalForScript(jsExceptionInTest);
     fail(message);
