@@ -14,10 +14,12 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <random>
 
 #include <sys/inotify.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -164,6 +166,8 @@ private Q_SLOTS:
     void memoryIsBounded_data();
     void memoryIsBounded();
     void everyBeginningIsRefused();
+    void nothingBehindTheDocumentIsRead_data();
+    void nothingBehindTheDocumentIsRead();
     void randomChanges_data();
     void randomChanges();
 };
@@ -1585,6 +1589,39 @@ void tst_SoapMessage::everyBeginningIsRefused()
         const QString result = outcome(message.setContent(document.left(size)), message);
         QVERIFY2(result == "refused", qPrintable(QStringLiteral("%1 at %2").arg(result).arg(size)));
     }
+}
+
+void tst_SoapMessage::nothingBehindTheDocumentIsRead_data()
+{
+    QTest::addColumn<QByteArray>("document");
+
+    QTest::newRow("the start of a tag") << QByteArray("<a><");
+    QTest::newRow("the start of markup") << QByteArray("<a><!");
+    QTest::newRow("the start of a comment") << QByteArray("<a><!-");
+    QTest::newRow("the start of character data") << QByteArray("<a><![CDATA");
+    QTest::newRow("the start of an instruction") << QByteArray("<a><?");
+    QTest::newRow("the start of an attribute") << QByteArray("<a b='");
+    QTest::newRow("the start of a declaration") << QByteArray("<?xml encoding=");
+}
+
+/// A caller's own bytes, behind which there is nothing that can be read.
+void tst_SoapMessage::nothingBehindTheDocumentIsRead()
+{
+    QFETCH(const QByteArray, document);
+
+    const auto page = size_t(sysconf(_SC_PAGESIZE));
+    void* const pages =
+        mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    QVERIFY(pages != MAP_FAILED);
+    char* const end = static_cast<char*>(pages) + page;
+    QCOMPARE(mprotect(end, page, PROT_NONE), 0);
+    std::memcpy(end - document.size(), document.constData(), size_t(document.size()));
+
+    QtSoapMessage message;
+    const bool accepted =
+        message.setContent(QByteArray::fromRawData(end - document.size(), document.size()));
+    munmap(pages, 2 * page);
+    QCOMPARE(outcome(accepted, message), QStringLiteral("refused"));
 }
 
 void tst_SoapMessage::randomChanges_data()

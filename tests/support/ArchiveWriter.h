@@ -139,6 +139,20 @@ public:
         return archive;
     }
 
+    /// Makes an entry one of ten characters that are packed with bzip2, of which no more than \a
+    /// size bytes are there.
+    static void packWithBzip2(Entry& entry, int size)
+    {
+        const QByteArray text(10, 'a');
+        entry.method = 12;
+        entry.checkSum = checkSumOf(text);
+        entry.size = quint64(text.size());
+        entry.packed = QByteArray::fromHex("425a68393141592653595978d18b000002410001002000"
+                                           "20002100820b1772453850905978d18b")
+                           .left(size);
+        entry.packedSize = quint64(entry.packed.size());
+    }
+
     bool write(const QString& path) { return writeFile(path, bytes()); }
 
     static quint32 checkSumOf(const QByteArray& bytes)

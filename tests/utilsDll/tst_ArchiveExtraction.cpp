@@ -1058,6 +1058,11 @@ void tst_ArchiveExtraction::damageIsFound_data()
             entry.packedSize = 100000;
         },
         Stored);
+    damaged("a bzip2 stream that is cut off",
+            [](Entry& entry) { ArchiveWriter::packWithBzip2(entry, 20); });
+    damaged("a bzip2 stream that is cut off at its start",
+            [](Entry& entry) { ArchiveWriter::packWithBzip2(entry, 4); });
+    damaged("no bzip2 data at all", [](Entry& entry) { ArchiveWriter::packWithBzip2(entry, 0); });
     damaged("two headers that differ", [](Entry& entry) { entry.localMethod = Stored; });
     damaged("more than it declares", [](Entry& entry) { entry.size = 10; });
     damaged("one byte more than it declares", [](Entry& entry) { entry.size = 199999; });
@@ -1096,6 +1101,8 @@ void tst_ArchiveExtraction::damageIsFound_data()
             entry.checkSum = ArchiveWriter::checkSumOf("target/1/2");
         },
         Deflated);
+    damagedLink("a link in a bzip2 stream that is cut off",
+                [](Entry& entry) { ArchiveWriter::packWithBzip2(entry, 20); });
     damagedLink(
         "a link that is no deflated data",
         [](Entry& entry) {

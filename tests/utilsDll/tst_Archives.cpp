@@ -406,6 +406,11 @@ void tst_Archives::archives_data()
             entry.packedSize = 10000;
         },
         Stored);
+    damaged("a bzip2 stream that is cut off",
+            [](Entry& entry) { ArchiveWriter::packWithBzip2(entry, 20); });
+    damaged("a bzip2 stream that is cut off at its start",
+            [](Entry& entry) { ArchiveWriter::packWithBzip2(entry, 4); });
+    damaged("no bzip2 data at all", [](Entry& entry) { ArchiveWriter::packWithBzip2(entry, 0); });
     damaged("more than it declares", [](Entry& entry) { entry.size = 10; });
     damaged("one byte more than it declares", [](Entry& entry) { entry.size = 19999; });
     damaged("one byte less than it declares", [](Entry& entry) { entry.size = 20001; });
@@ -1058,6 +1063,14 @@ void tst_Archives::silentlyNothing_data()
         ++archive.add("y", "2", 0100644).checkSum;
         archive.write("a.zip");
     }) << QStringList{"d/"};
+    QTest::newRow("a bzip2 stream that is cut off, on account of which the others go as well")
+        << Prepare([] {
+               ArchiveWriter archive;
+               archive.add("x", "1", 0100644);
+               ArchiveWriter::packWithBzip2(archive.add("y", {}, 0100644), 20);
+               archive.write("a.zip");
+           })
+        << QStringList{"d/"};
 }
 
 void tst_Archives::silentlyNothing()

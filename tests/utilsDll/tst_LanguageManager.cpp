@@ -9,6 +9,7 @@
 #include "TemporarySettings.h"
 
 #include <QApplication>
+#include <QDataStream>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -19,11 +20,13 @@
 #include <QTemporaryDir>
 #include <QTranslator>
 #include <QWidget>
+#include <QtEndian>
 #include <QtTest>
 
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -120,6 +123,48 @@ QByteArray compiled(const std::vector<Message>& messages, const QTemporaryDir& f
     writeFile(source, translationSource(messages));
     execute(LRELEASE, {"-silent", source, "-qm", catalogue});
     return readFile(catalogue);
+}
+
+// The sections of a catalogue.
+enum Section
+{
+    Contexts = 0x2f,
+    Hashes = 0x42,
+    Messages = 0x69,
+    Dependencies = 0x96
+};
+
+/// Italian, whose section of that kind is changed, or if there is none added.
+File changedLanguage(Section changed, const std::function<void(QByteArray&)>& change)
+{
+    constexpr int magicSize = 16;
+    const QTemporaryDir folder;
+    const QByteArray whole = compiled({{managersContext, "language name", "Italiano"},
+                                       {managersContext, "language number", "1040"}},
+                                      folder);
+    std::map<int, QByteArray> sections{{changed, {}}};
+    for (int at = magicSize; at + 5 < whole.size();) {
+        const int size = qFromBigEndian<qint32>(whole.constData() + at + 1);
+        sections[quint8(whole[at])] = whole.mid(at + 5, size);
+        at += 5 + size;
+    }
+    change(sections[changed]);
+    QByteArray result = whole.left(magicSize);
+    for (const auto& section : sections) {
+        char size[4];
+        qToBigEndian<qint32>(section.second.size(), size);
+        result += char(section.first) + QByteArray(size, sizeof size) + section.second;
+    }
+    return bytes("vek_it.qm", result);
+}
+
+/// Italian, which another file has to be loaded with.
+File dependentLanguage(const QString& other)
+{
+    return changedLanguage(Dependencies, [&](QByteArray& section) {
+        QDataStream stream(&section, QIODevice::WriteOnly);
+        stream << other;
+    });
 }
 
 /// Adds files to ":/translations/".
@@ -468,6 +513,40 @@ void OneProcess::filesBecomeRows_data()
         {language("vek_en.qm", "English", "1033"), bytes("vek_fr.qm", "Français"),
          language("vek_it.qm", "Italiano", "1040")},
         {"English|1033|:/translations/vek_en.qm|en", "Italiano|1040|:/translations/vek_it.qm|it"});
+
+    const QString italian = QStringLiteral("Italiano|1040|:/translations/vek_it.qm|it");
+    row("nothing changed", {changedLanguage(Messages, [](QByteArray&) {})}, {italian});
+    row("messages outside of the file",
+        {changedLanguage(Hashes,
+                         [](QByteArray& section) {
+                             for (int i = 4; i < section.size(); i += 8)
+                                 section[i] = '\x7f';
+                         })},
+        none);
+    row("a place of a message that is cut off",
+        {changedLanguage(Hashes, [](QByteArray& section) { section.chop(1); })}, none);
+    row("a translation larger than the file",
+        {changedLanguage(Messages, [](QByteArray& section) { section[1] = '\xc0'; })}, none);
+    row("a message that is cut off",
+        {changedLanguage(Messages, [](QByteArray& section) { section.chop(10); })}, none);
+    row("contexts without a table",
+        {changedLanguage(Contexts, [](QByteArray& section) { section = QByteArray(4, '\0'); })},
+        none);
+    row("contexts with a table larger than they are",
+        {changedLanguage(Contexts, [](QByteArray& section) { section = QByteArray(4, '\xff'); })},
+        none);
+    row("a file that depends on itself", {dependentLanguage("vek_it")}, none);
+    row("a file that depends on one that depends on it",
+        {dependentLanguage("vek_fr"), bytes("vek_fr.qm", *dependentLanguage("vek_it").bytes)},
+        none);
+    row("a file that depends on another",
+        {dependentLanguage("qt_it"), qtCatalogue("qt_it.qm", {{"Cancel", "Annulla"}})}, {italian});
+    row("a file that depends on another, which is cut short for it",
+        {dependentLanguage("qt_it_IT.utf8"), qtCatalogue("qt_it.qm", {{"Cancel", "Annulla"}})},
+        {italian});
+    row("a file that depends on one that isn't there", {dependentLanguage("qt_it")}, none);
+    row("a file that depends on one that is no catalogue",
+        {dependentLanguage("qt_it"), bytes("qt_it.qm", "no catalogue")}, none);
 
     row("another extension", {language("vek_it.qm.old", "Italiano", "1040")}, none);
     row("a folder below", {language("more/vek_it.qm", "Italiano", "1040")}, none);

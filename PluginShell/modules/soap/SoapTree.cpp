@@ -6,6 +6,8 @@
 #include <QTextCodec>
 #include <QXmlStreamReader>
 
+#include <cstring>
+
 namespace VEK_NAMESPACE::soap {
 
 namespace {
@@ -96,8 +98,11 @@ bool toUtf8(const QByteArray& document, QByteArray* utf8, bool* isRecoded, QStri
 /// left to the parser.
 bool checkMarkup(const QByteArray& document, QString* error)
 {
+    // The bytes may be a caller's own, without a zero behind them.
     const auto startsWith = [&](int at, const char* text) {
-        return qstrncmp(document.constData() + at, text, qstrlen(text)) == 0;
+        const int size = int(qstrlen(text));
+        return document.size() - at >= size
+            && std::memcmp(document.constData() + at, text, size_t(size)) == 0;
     };
     int at = 0;
     while ((at = document.indexOf('<', at)) >= 0) {

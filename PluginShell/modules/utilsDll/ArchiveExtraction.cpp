@@ -1,5 +1,6 @@
 #include "Archives.h"
 
+#include "ArchiveBzip2_p.h"
 #include "ArchiveFile_p.h"
 #include "CommonConstants.h"
 #include "PlatformServices_p.h"
@@ -265,7 +266,7 @@ bool Extraction::examineLink(const QuaZipFileInfo64& info, const QString& path)
     QByteArray target;
     if (info.uncompressedSize <= longestPath) {
         QuaZipFile entry(&m_zip);
-        if (!entry.open(QIODevice::ReadOnly))
+        if (!canBeRead(m_zip) || !entry.open(QIODevice::ReadOnly))
             return fail(ArchiveError::Damaged, info.name, QStringLiteral("It can't be read"));
         target = entry.read(longestPath);
         entry.close();
@@ -356,7 +357,7 @@ bool Extraction::extract(const QuaZipFileInfo64& info)
         if (!makeFolder(QFileInfo(path).absolutePath(), info.name))
             return false;
         QuaZipFile entry(&m_zip);
-        if (!entry.open(QIODevice::ReadOnly))
+        if (!canBeRead(m_zip) || !entry.open(QIODevice::ReadOnly))
             return fail(ArchiveError::Damaged, info.name, QStringLiteral("It can't be read"));
         QFile target(path);
         if (!openNew(target, info.name))

@@ -23,8 +23,10 @@ public:
 
     bool open(OpenMode mode) override
     {
-        return mode == ReadOnly && m_file.open(ReadOnly | Unbuffered)
-            && QIODevice::open(ReadOnly | Unbuffered);
+        if (mode != ReadOnly || !m_file.open(ReadOnly | Unbuffered))
+            return false;
+        m_size = m_file.size();
+        return QIODevice::open(ReadOnly | Unbuffered);
     }
 
     void close() override
@@ -33,7 +35,7 @@ public:
         m_file.close();
     }
 
-    qint64 size() const override { return m_file.size(); }
+    qint64 size() const override { return m_size; }
 
 protected:
     qint64 readData(char* data, qint64 maxSize) override
@@ -66,6 +68,8 @@ private:
     /// The window that holds the byte at that place; null at the end, and if it can't be read.
     const Window* windowAt(qint64 at)
     {
+        if (at >= m_size) // asked for over and over if the table of contents is damaged
+            return nullptr;
         if (m_windows[m_recent].holds(at))
             return &m_windows[m_recent];
         m_recent = 1 - m_recent; // the one that wasn't used last makes room
@@ -82,6 +86,7 @@ private:
     }
 
     QFile m_file;
+    qint64 m_size = 0;
     std::array<Window, 2> m_windows;
     size_t m_recent = 0;
 };

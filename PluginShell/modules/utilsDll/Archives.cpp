@@ -1,5 +1,6 @@
 #include "Archives.h"
 
+#include "ArchiveBzip2_p.h"
 #include "ArchiveFile_p.h"
 #include "CommonConstants.h"
 
@@ -32,6 +33,7 @@ bool extractCurrentEntry(QuaZip& zip, const QDir& destination, QString& madeFold
 {
     if (zip.getMode() != QuaZip::mdUnzip)
         return false;
+    const bool isReadable = VEK_NAMESPACE::canBeRead(zip);
     QuaZipFile entry(&zip);
     if (!entry.open(QIODevice::ReadOnly) || entry.getZipError() != UNZ_OK)
         return false;
@@ -54,7 +56,7 @@ bool extractCurrentEntry(QuaZip& zip, const QDir& destination, QString& madeFold
     QFile target(path);
     if (!target.open(QIODevice::WriteOnly))
         return false;
-    if (!copy(entry, target)) {
+    if (!isReadable || !copy(entry, target)) {
         target.close();
         QFile::remove(path);
         return false;
@@ -66,6 +68,19 @@ bool extractCurrentEntry(QuaZip& zip, const QDir& destination, QString& madeFold
         return false;
     }
     return !permissions || target.setPermissions(permissions);
+}
+
+bool canAllBeRead(const QString& zipPath)
+{
+    VEK_NAMESPACE::ArchiveFile file(zipPath);
+    QuaZip zip(&file);
+    if (!zip.open(QuaZip::mdUnzip))
+        return true;
+    bool readable = true;
+    for (bool more = zip.goToFirstFile(); more && readable; more = zip.goToNextFile())
+        readable = VEK_NAMESPACE::canBeRead(zip);
+    zip.close();
+    return readable;
 }
 
 } // namespace
@@ -99,7 +114,8 @@ void DecompressFiles(const QString& zipPath, const QString& destination)
     const QDir folder(destination);
     if (!folder.exists())
         folder.mkpath(QStringLiteral("."));
-    JlCompress::extractDir(zipPath, destination);
+    if (canAllBeRead(zipPath)) // otherwise nothing is left of it, as of any damaged archive
+        JlCompress::extractDir(zipPath, destination);
 }
 
 } // namespace VEK_NAMESPACE

@@ -2,6 +2,7 @@
 
 #include "CommonConstants.h"
 #include "Settings.h"
+#include "TranslationCheck_p.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -49,10 +50,16 @@ bool isFilled(const QStandardItemModel& model)
     return model.rowCount() > 0 || model.columnCount() > 0;
 }
 
+void load(QTranslator& translator, const QString& file)
+{
+    if (isSoundTranslation(file))
+        translator.load(file);
+}
+
 QTranslator* installTranslator(const QString& file)
 {
     auto* translator = new QTranslator(QCoreApplication::instance());
-    translator->load(file);
+    load(*translator, file);
     QCoreApplication::installTranslator(translator);
     return translator;
 }
@@ -94,7 +101,7 @@ void CLanguageManager::loadLanguages()
         QDir(folder).entryList({QStringLiteral("*.qm")}, QDir::Files, QDir::NoSort);
     for (const QString& fileName : fileNames) {
         QTranslator translator;
-        translator.load(folder + fileName);
+        load(translator, folder + fileName);
         const QString name = translator.translate(context, "language name", "", -1);
         const QString number = translator.translate(context, "language number", "", -1);
         if (name.isEmpty() || number.isEmpty())
