@@ -6,6 +6,12 @@
 #include "TemporarySettings.h"
 #include "storageLocation.h"
 
+#include <QFile>
+#include <QFileInfo>
+
+#include <filesystem>
+#include <system_error>
+
 namespace VEK_NAMESPACE {
 
 using Private::logLine;
@@ -24,6 +30,20 @@ const QString& settingsFilePath()
     // Never destroyed: later destructors of singletons may still read settings.
     static const SettingsFile& file = *new SettingsFile;
     return file.path;
+}
+
+/// Whether a file can be written once more beside what is there of it. QSettings takes a write that
+/// the disk has no space for as done and puts what there is of it, perhaps nothing, in the old
+/// file's place. So a change that comes when the disk is full is lost, and nothing else.
+bool hasSpaceForChange(const QSettings& settings)
+{
+    constexpr quint64 spareSpace = 128U << 10;
+    const QFileInfo file(settings.fileName());
+    if (!file.exists())
+        return true;
+    std::error_code unknown;
+    const auto disk = std::filesystem::space(QFile::encodeName(file.path()).constData(), unknown);
+    return unknown || disk.capacity == 0 || disk.available >= quint64(file.size()) + spareSpace;
 }
 
 } // namespace
@@ -84,7 +104,7 @@ void CSettings::setValue(const QString& key, const QVariant& value)
     if (usingTemporarySettings()) {
         overlay().setValue(localKey(key), value);
         overlay().sync();
-    } else {
+    } else if (hasSpaceForChange(m_settings)) {
         m_settings.setValue(key, value);
     }
 }
@@ -99,7 +119,7 @@ void CSettings::remove(const QString& key)
     if (usingTemporarySettings()) {
         overlay().remove(localKey(key));
         overlay().sync();
-    } else {
+    } else if (hasSpaceForChange(m_settings)) {
         m_settings.remove(key);
     }
 }
@@ -132,7 +152,10 @@ int CSettings::beginReadArray(const QString& prefix)
 
 void CSettings::beginWriteArray(const QString& prefix, int size)
 {
-    store().beginWriteArray(prefix, size);
+    if (usingTemporarySettings() || hasSpaceForChange(m_settings))
+        store().beginWriteArray(prefix, size);
+    else
+        m_settings.beginReadArray(prefix); // whose end changes nothing
 }
 
 void CSettings::endArray()
