@@ -21,8 +21,10 @@ constexpr int kills = 200;
 constexpr int killsOfTheSampleHost = 20;
 constexpr int knownKeys = 60;
 
-/// No host may be kept waiting longer, on however busy a machine.
-constexpr int patienceMs = 20000;
+/// No host may be kept waiting longer, on however busy a machine. A lock that is still empty, of a
+/// host that was killed between making and filling it, holds up the next one for the 30 seconds
+/// after which QSettings takes it for left behind.
+constexpr int patienceMs = 60000;
 
 QString knownKey(int number)
 {

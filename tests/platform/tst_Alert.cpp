@@ -150,6 +150,7 @@ private Q_SLOTS:
     void environmentIsTheProcesssButForItsLibraries();
     void programIsChosenOnce();
     void severalAlerts();
+    void nobodyReadsIt();
     void allocatesNothing();
     void realWindow_data();
     void realWindow();
@@ -504,6 +505,14 @@ void tst_Alert::severalAlerts()
              QByteArray("Error: No space.\nError: No memory.\nError: No space.\n"));
 }
 
+void tst_Alert::nobodyReadsIt()
+{
+    QCOMPARE(alert(QStringLiteral("Error"), QStringLiteral("No space."), "without an error output"),
+             QByteArray());
+
+    QCOMPARE(m_process->readAllStandardOutput(), QByteArray("returned\n"));
+}
+
 void tst_Alert::allocatesNothing()
 {
     for (const char* program : {"", "xmessage", "kdialog", "zenity"}) {
@@ -580,6 +589,8 @@ int showAlerts(const QByteArray& manner, const QStringList& words)
         qputenv("PATH", qgetenv("OTHER_PATH"));
     if (manner == "without children")
         signal(SIGCHLD, SIG_IGN);
+    if (manner == "without an error output")
+        close(STDERR_FILENO);
     struct sigaction action = {}; // without SA_RESTART
     action.sa_handler = [](int) {};
     sigaction(SIGUSR1, &action, nullptr);
@@ -590,7 +601,7 @@ int showAlerts(const QByteArray& manner, const QStringList& words)
     s_counting = false;
     if (manner == "and counts")
         std::printf("%d allocations\n", s_allocations.load());
-    if (manner == "and says so" || manner == "without children")
+    if (manner == "and says so" || manner.startsWith("without "))
         std::puts("returned");
     return 0;
 }

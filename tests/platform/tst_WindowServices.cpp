@@ -120,6 +120,7 @@ private Q_SLOTS:
 
     void closeButton();
     void closeButtonOfARaisedWindow();
+    void aLevelThatNewFlagsCostComesBack();
     void raisedWithoutCloseButton();
     void flagsOfTheProgramStay();
     void closeButtonThatTheProgramBroughtBack();
@@ -648,6 +649,34 @@ void tst_WindowServices::closeButtonOfARaisedWindow()
     QTRY_VERIFY(!hasCloseFunction(id));
     PlainWindow other;
     QVERIFY(other.showManaged());
+    QVERIFY(!isAbove(id));
+}
+
+void tst_WindowServices::aLevelThatNewFlagsCostComesBack()
+{
+    PlainWindow window;
+    QVERIFY(window.showManaged());
+    const WId id = window.winId();
+    MacOSBringToTop(id, true);
+    QTRY_VERIFY(isAbove(id));
+    MacOSSetClosingWindowEnabled(id, false);
+    QTRY_VERIFY(!hasCloseFunction(id));
+
+    // As a window manager does that looks at the new flags.
+    Taskbar taskbar;
+    taskbar.requestState(id, "ABOVE", false);
+    PlainWindow other;
+    QVERIFY(other.showManaged());
+    QTRY_VERIFY(isAbove(id));
+    QTRY_COMPARE(stacking(), QList<WId>({other.winId(), id}));
+
+    // Later it goes when somebody wants it to.
+    taskbar.requestState(id, "ABOVE", false);
+    QTRY_VERIFY(!isAbove(id));
+    for (int i = 0; i < 2; ++i) { // the window manager is asked for one after the other
+        PlainWindow another;
+        QVERIFY(another.showManaged());
+    }
     QVERIFY(!isAbove(id));
 }
 

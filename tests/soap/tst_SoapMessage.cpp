@@ -28,9 +28,12 @@
 // "--read" and the document's path.
 
 using Build = std::function<void(QtSoapMessage&)>;
+using Change = std::function<void(QDomElement&)>;
 
 Q_DECLARE_METATYPE(Build)
+Q_DECLARE_METATYPE(Change)
 Q_DECLARE_METATYPE(QtSoapMessage::FaultCode)
+Q_DECLARE_METATYPE(std::function<QDomElement(QDomDocument&)>)
 
 namespace {
 
@@ -118,6 +121,10 @@ private Q_SLOTS:
     void sparseArraysAreReadAgain_data();
     void sparseArraysAreReadAgain();
     void tooDeepIsNotWritten();
+    void depthsOfEachKind_data();
+    void depthsOfEachKind();
+    void programsElementsAreWritten_data();
+    void programsElementsAreWritten();
     void theMethodMayComeLast();
     void copiesAreMessagesOfTheirOwn();
     void clearMakesItNew();
@@ -133,6 +140,10 @@ private Q_SLOTS:
     void encodingsAreRead();
     void aDocumentIsRead_data();
     void aDocumentIsRead();
+    void documentsOfOtherForms_data();
+    void documentsOfOtherForms();
+    void documentsThatAreRefused_data();
+    void documentsThatAreRefused();
     void theFirstMemberIsTheResult();
     void headersAreRead();
     void aNewDocumentReplacesTheFormer();
@@ -142,6 +153,9 @@ private Q_SLOTS:
     // Faults
     void faultsAreRead_data();
     void faultsAreRead();
+    void aFaultThatWasReadIsChanged_data();
+    void aFaultThatWasReadIsChanged();
+    void aFaultsCodeKeepsItsPrefix();
     void faultCodes_data();
     void faultCodes();
     void faultsAreWritten_data();
@@ -489,6 +503,128 @@ void tst_SoapMessage::tooDeepIsNotWritten()
     QVERIFY(tooDeep.method()["s"]["s"].isValid());
 }
 
+namespace {
+
+/// Values inside each other, the outermost with \a levels of them; a text is the innermost.
+template <typename Container>
+QtSoapType* nestedIn(int levels, void (Container::*add)(QtSoapType*))
+{
+    QtSoapType* value = new QtSoapSimpleType(QtSoapQName("v"), QString("text"));
+    for (int level = 1; level < levels; ++level) {
+        auto* outer = new Container(QtSoapQName("v"));
+        (outer->*add)(value);
+        value = outer;
+    }
+    return value;
+}
+
+QtSoapType* structs(int levels)
+{
+    return nestedIn<QtSoapStruct>(levels, &QtSoapStruct::insert);
+}
+
+QtSoapType* arrays(int levels)
+{
+    return nestedIn<QtSoapArray>(levels, &QtSoapArray::append);
+}
+
+/// Writes itself as a program's own type does.
+class OwnType : public QtSoapSimpleType
+{
+public:
+    using Write = std::function<QDomElement(QDomDocument&)>;
+
+    explicit OwnType(const Write& write)
+        : m_write(write)
+    {}
+
+    QDomElement toDomElement(QDomDocument document) const override { return m_write(document); }
+
+private:
+    const Write m_write;
+};
+
+} // namespace
+
+void tst_SoapMessage::depthsOfEachKind_data()
+{
+    QTest::addColumn<Build>("build");
+    QTest::addColumn<bool>("written");
+
+    // The method is the outermost.
+    QTest::newRow("structs") << Build([](QtSoapMessage& m) { m.addMethodArgument(structs(195)); })
+                             << true;
+    QTest::newRow("a text that is too deep in structs")
+        << Build([](QtSoapMessage& m) { m.addMethodArgument(structs(196)); }) << false;
+    QTest::newRow("arrays") << Build([](QtSoapMessage& m) { m.addMethodArgument(arrays(195)); })
+                            << true;
+    QTest::newRow("a text that is too deep in arrays")
+        << Build([](QtSoapMessage& m) { m.addMethodArgument(arrays(196)); }) << false;
+    QTest::newRow("arrays that are too deep in arrays")
+        << Build([](QtSoapMessage& m) { m.addMethodArgument(arrays(100000)); }) << false;
+    QTest::newRow("a header") << Build([](QtSoapMessage& m) { m.addHeaderItem(structs(196)); })
+                              << true;
+    QTest::newRow("a header that is too deep")
+        << Build([](QtSoapMessage& m) { m.addHeaderItem(structs(197)); }) << false;
+}
+
+void tst_SoapMessage::depthsOfEachKind()
+{
+    QFETCH(Build, build);
+    QFETCH(bool, written);
+
+    QtSoapMessage message;
+    message.setMethod("m");
+    build(message);
+    const QString xml = message.toXmlString();
+    QCOMPARE(!xml.isEmpty(), written);
+    QCOMPARE(xml.contains("text"), written);
+    QtSoapMessage again;
+    QCOMPARE(again.setContent(xml.toUtf8()), written);
+}
+
+void tst_SoapMessage::programsElementsAreWritten_data()
+{
+    QTest::addColumn<OwnType::Write>("write");
+    QTest::addColumn<QString>("body");
+
+    QTest::newRow("a namespace without a prefix")
+        << OwnType::Write([](QDomDocument& d) { return d.createElementNS("urn:x", "a"); })
+        << "{urn:x}a";
+    QTest::newRow("a registered prefix without a namespace")
+        << OwnType::Write([](QDomDocument& d) { return d.createElement("SOAP-ENC:int"); })
+        << "enc:int";
+    QTest::newRow("a prefix that nobody knows")
+        << OwnType::Write([](QDomDocument& d) { return d.createElement("who:a"); }) << "who_a";
+    QTest::newRow("attributes of each kind") << OwnType::Write([](QDomDocument& d) {
+        QDomElement a = d.createElement("a");
+        a.setAttribute("b", "1");
+        a.setAttributeNS("urn:x", "c", "2");
+        a.setAttribute("who:d", "3");
+        return a;
+    }) << "a b=1 who_d=3 {urn:x}c=2";
+    QTest::newRow("a prefix that means something else inside")
+        << OwnType::Write([](QDomDocument& d) {
+               QDomElement a = d.createElementNS("urn:x", "p:a");
+               QDomElement b = d.createElementNS("urn:y", "p:b");
+               b.appendChild(d.createElementNS("urn:x", "p:c"));
+               b.appendChild(d.createElementNS("urn:y", "p:d"));
+               a.appendChild(b);
+               a.appendChild(d.createElementNS("urn:x", "p:e"));
+               return a;
+           })
+        << "{urn:x}a ({urn:y}b ({urn:x}c, {urn:y}d), {urn:x}e)";
+}
+
+void tst_SoapMessage::programsElementsAreWritten()
+{
+    QFETCH(OwnType::Write, write);
+
+    QtSoapMessage message;
+    message.addBodyItem(new OwnType(write));
+    QTEST(writtenBody(message), "body");
+}
+
 void tst_SoapMessage::theMethodMayComeLast()
 {
     QtSoapMessage message;
@@ -496,6 +632,24 @@ void tst_SoapMessage::theMethodMayComeLast()
     message.setMethod("m", "urn:m");
     QCOMPARE(writtenBody(message), QString(R"({urn:m}m (a xsi:type=xsd:int "1"))"));
     QCOMPARE(SoapText::of(message.method()), QString(R"({urn:m}m: {a: int "1"})"));
+
+    // Also behind many items.
+    OpenMessage many;
+    for (int i = 0; i < 20; ++i)
+        many.addBodyItem(new QtSoapSimpleType(QtSoapQName(QStringLiteral("b%1").arg(i)), i));
+    many.setMethod("m", "urn:m");
+    QCOMPARE(many.body().count(), 21);
+    QCOMPARE(many.body()[0].name().name(), QString("m"));
+    QCOMPARE(many.body()["b0"].toInt(), 0);
+    QCOMPARE(many.body()[QtSoapQName("b19")].toInt(), 19);
+
+    // A method that was taken from the body is made again.
+    OpenMessage open;
+    open.setMethod("former");
+    open.body().clear();
+    open.addMethodArgument("a", QString(), 1);
+    open.setMethod("m");
+    QCOMPARE(writtenBody(open), QString(R"(m (a xsi:type=xsd:int "1"))"));
 }
 
 void tst_SoapMessage::copiesAreMessagesOfTheirOwn()
@@ -802,6 +956,11 @@ void tst_SoapMessage::otherFormsAreRead_data()
         << response("<a>  1  </a>") << R"({urn:m}answer: {a: "  1  "})";
     QTest::newRow("a processing instruction")
         << response("<?page 1?><a>1</a>") << R"({urn:m}answer: {a: "1"})";
+    QTest::newRow("an element that says that it is no response")
+        << envelope(R"(<x SOAP-ENC:root="0">1</x><m><a>2</a></m>)") << R"(m: {a: "2"})";
+    QTest::newRow("an element that is referred to, and a response all the same")
+        << envelope(R"(<x id="1" SOAP-ENC:root="1"><a>1</a></x><m><b href="#1"/></m>)")
+        << R"(x: {a: "1"})";
     QTest::newRow("elements behind the body") << envelopesBegin()
             + QByteArray(R"(<SOAP-ENV:Body><a>1</a></SOAP-ENV:Body><x:y xmlns:x="urn:x"/>
             </SOAP-ENV:Envelope>)") << R"(a: "1")";
@@ -829,6 +988,10 @@ void tst_SoapMessage::encodingsAreRead_data()
         << "<?xml version='1.0' encoding='utf-8'?>" + text.toUtf8();
     QTest::newRow("Latin 1 that is declared")
         << "<?xml version='1.0' encoding='ISO-8859-1'?>" + text.toLatin1();
+    QTest::newRow("Latin 1, with space around the sign")
+        << "<?xml version='1.0' encoding = \"ISO-8859-1\" ?>" + text.toLatin1();
+    QTest::newRow("Latin 1, far behind the version") << "<?xml version='1.0'"
+            + QByteArray(2000, ' ') + "encoding='ISO-8859-1'?>" + text.toLatin1();
     QByteArray little("\xFF\xFE");
     QByteArray big("\xFE\xFF");
     const QString declared = "<?xml version='1.0' encoding='UTF-16'?>" + text;
@@ -890,6 +1053,91 @@ void tst_SoapMessage::aDocumentIsRead()
     QVERIFY(open.isFault());
 }
 
+void tst_SoapMessage::documentsOfOtherForms_data()
+{
+    QTest::addColumn<QByteArray>("xml");
+    QTest::addColumn<bool>("namespaceProcessing");
+    QTest::addColumn<QString>("method");
+
+    QTest::newRow("a usual prefix that is declared behind its use, with namespaces")
+        << QByteArray(R"(<s:Envelope xmlns:s="http://schemas.xmlsoap.org/soap/envelope/"><s:Body>)"
+                      R"(<m><a xsi:type="xsd:int" )"
+                      R"(xmlns:xsi="http://www.w3.org/1999/XMLSchema-instance" )"
+                      R"(xmlns:xsd="http://www.w3.org/1999/XMLSchema">3</a></m></s:Body>)"
+                      "</s:Envelope>")
+        << true << R"(m: {a: int "3"})";
+    QTest::newRow("a prefix that is declared behind its use, without namespaces")
+        << response(R"(<a i:type="s:int" xmlns:i="http://www.w3.org/2001/XMLSchema-instance")"
+                    R"( xmlns:s="http://www.w3.org/2001/XMLSchema">3</a>)")
+        << false << R"({urn:m}answer: {a: int "3"})";
+    const QByteArray undeclared = R"(<SOAP-ENV:Envelope><SOAP-ENV:Body><m><a xsi:type="xsd:int">3)"
+                                  "</a></m></SOAP-ENV:Body></SOAP-ENV:Envelope>";
+    QTest::newRow("SOAP's prefixes without a declaration")
+        << undeclared << false << R"(m: {a: int "3"})";
+    QTest::newRow("SOAP's prefixes without a declaration, with namespaces")
+        << undeclared << true << R"(m: {a: int "3"})";
+    QTest::newRow("a default namespace") << response(R"(<a xmlns="urn:a"><b>1</b></a>)") << false
+                                         << R"({urn:m}answer: {{urn:a}a: {{urn:a}b: "1"}})";
+}
+
+void tst_SoapMessage::documentsOfOtherForms()
+{
+    QFETCH(QByteArray, xml);
+    QFETCH(bool, namespaceProcessing);
+
+    QDomDocument document;
+    QVERIFY(document.setContent(xml, namespaceProcessing));
+    QtSoapMessage message;
+    QVERIFY2(message.setContent(document), qPrintable(message.errorString()));
+    QTEST(SoapText::of(message.method()), "method");
+}
+
+void tst_SoapMessage::documentsThatAreRefused_data()
+{
+    QTest::addColumn<Change>("change");
+    QTest::addColumn<QString>("error");
+
+    const auto nest = [](QDomElement element, int levels) {
+        for (int i = 0; i < levels; ++i)
+            element = element.appendChild(element.ownerDocument().createElement("a")).toElement();
+    };
+    QTest::newRow("an entity") << Change([](QDomElement& result) {
+        result.appendChild(result.ownerDocument().createEntityReference("e"));
+    }) << "The entity \"e\" isn't declared";
+    QTest::newRow("elements that nest too deep")
+        << Change([nest](QDomElement& result) { nest(result, 197); })
+        << "The elements nest deeper than 200 levels";
+    QTest::newRow("values that nest too deep")
+        << Change([nest](QDomElement& result) { nest(result, 195); })
+        << "The values nest deeper than 196 levels";
+    QTest::newRow("too many attributes") << Change([](QDomElement& result) {
+        for (int i = 0; i < 257; ++i)
+            result.setAttribute(QStringLiteral("a%1").arg(i), i);
+    }) << "An element has more than 256 attributes";
+    QTest::newRow("too many namespaces in one place") << Change([](QDomElement& result) {
+        QDomElement inner = result.appendChild(result.cloneNode()).toElement();
+        for (int i = 0; i < 200; ++i) {
+            result.setAttribute(QStringLiteral("xmlns:a%1").arg(i), QStringLiteral("urn:a"));
+            inner.setAttribute(QStringLiteral("xmlns:b%1").arg(i), QStringLiteral("urn:b"));
+        }
+    }) << "More than 256 namespaces are declared in one place";
+}
+
+void tst_SoapMessage::documentsThatAreRefused()
+{
+    QFETCH(Change, change);
+
+    QDomDocument document;
+    QVERIFY(document.setContent(envelope("<m><result/></m>"), false));
+    QtSoapMessage message;
+    QVERIFY(message.setContent(document));
+    QDomElement result = document.elementsByTagName("result").item(0).toElement();
+    change(result);
+    QVERIFY(!message.setContent(document));
+    QVERIFY(message.isFault());
+    QTEST(message.errorString(), "error");
+}
+
 void tst_SoapMessage::theFirstMemberIsTheResult()
 {
     QtSoapMessage message;
@@ -914,6 +1162,12 @@ void tst_SoapMessage::headersAreRead()
     QCOMPARE(message.header().at(QtSoapQName("Session", "urn:s")).toInt(), 77);
     QCOMPARE(message.body().count(), 1);
     QCOMPARE(SoapText::of(message.body()[0]), QString("m: {}"));
+
+    // What stands there only to be referred to is no entry.
+    QVERIFY(message.setContent(envelope(
+        R"(<s:Session xmlns:s="urn:s" href="#1"/><x id="1" xsi:type="xsd:int">78</x>)", "<m/>")));
+    QCOMPARE(message.header().count(), 1);
+    QCOMPARE(message.header().at(QtSoapQName("Session", "urn:s")).toInt(), 78);
 }
 
 void tst_SoapMessage::aNewDocumentReplacesTheFormer()
@@ -1011,6 +1265,55 @@ void tst_SoapMessage::faultsAreRead()
     QTEST(message.faultString().toString(), "string");
     QTEST(SoapText::of(message.faultDetail()), "detail");
     QVERIFY(!message.returnValue().isValid());
+}
+
+void tst_SoapMessage::aFaultThatWasReadIsChanged_data()
+{
+    QTest::addColumn<QByteArray>("fault");
+    QTest::addColumn<QString>("body");
+
+    const QString changed = R"(env:Fault (faultcode "env:Server", faultstring "no", )"
+                            R"(detail (a xsi:type=xsd:int "1")))";
+    QTest::newRow("a fault that is a text") << QByteArray("none left") << changed;
+    QTest::newRow("a text for a detail")
+        << QByteArray("<faultcode>SOAP-ENV:Server</faultcode><faultstring>yes</faultstring>"
+                      "<detail>none left</detail>")
+        << changed;
+    QTest::newRow("parts of a type")
+        << QByteArray("<faultcode xsi:type=\"xsd:QName\">SOAP-ENV:Server</faultcode>"
+                      "<faultstring xsi:type=\"xsd:string\">yes</faultstring>")
+        << changed;
+}
+
+void tst_SoapMessage::aFaultThatWasReadIsChanged()
+{
+    QFETCH(QByteArray, fault);
+
+    QtSoapMessage message;
+    QVERIFY(message.setContent(envelope("<SOAP-ENV:Fault>" + fault + "</SOAP-ENV:Fault>")));
+    const QtSoapMessage former = message;
+    const QString formerText = former.toXmlString();
+    message.setFaultString("no");
+    message.addFaultDetail(new QtSoapSimpleType(QtSoapQName("a"), 1));
+    QVERIFY(message.isFault());
+    QTEST(writtenBody(message), "body");
+    QCOMPARE(former.toXmlString(), formerText);
+}
+
+void tst_SoapMessage::aFaultsCodeKeepsItsPrefix()
+{
+    const QString uri = "http://schemas.xmlsoap.org/soap/envelope/";
+    QtSoapMessage message;
+    message.setFaultCode(QtSoapMessage::Client);
+    message.setFaultString("no");
+    QtSoapNamespaces::instance().registerNamespace("letter", uri);
+    const QString xml = message.toXmlString();
+    const QString body = writtenBody(message);
+    QtSoapNamespaces::instance().registerNamespace("SOAP-ENV", uri);
+
+    QVERIFY2(xml.startsWith("<letter:Envelope"), qPrintable(xml));
+    QCOMPARE(body, QString(R"(env:Fault (faultcode "env:Client", faultstring "no"))"));
+    QVERIFY(message.toXmlString().startsWith("<SOAP-ENV:Envelope"));
 }
 
 void tst_SoapMessage::faultCodes_data()
@@ -1228,6 +1531,46 @@ void tst_SoapMessage::badDocumentsAreFaults_data()
     QTest::newRow("a document type") << QByteArray("<!DOCTYPE e>") + response("<a>1</a>");
     QTest::newRow("an entity of its own")
         << QByteArray("<!DOCTYPE e [<!ENTITY a \"b\">]>") + response("<a>&a;</a>");
+    // "<!DOCTYPE e>"
+    const QByteArray hidden = "+ADwAIQ-DOCTYPE e+AD4-";
+    QTest::newRow("a document type in another encoding")
+        << "<?xml version='1.0' encoding='UTF-7'?>" + hidden + response("<a>1</a>");
+    QTest::newRow("a document type in another encoding, which is declared far behind")
+        << "<?xml version='1.0'" + QByteArray(2000, ' ') + "encoding='UTF-7'?>" + hidden
+            + response("<a>1</a>");
+    const QByteArray body = "<SOAP-ENV:Body><m/></SOAP-ENV:Body>";
+    const QByteArray header = "<SOAP-ENV:Header/>";
+    const QByteArray end = "</SOAP-ENV:Envelope>";
+    QTest::newRow("two bodies") << envelopesBegin() + body + body + end;
+    QTest::newRow("two headers") << envelopesBegin() + header + header + body + end;
+    QTest::newRow("a header behind the body") << envelopesBegin() + body + header + end;
+    QTest::newRow("a header whose value can't be")
+        << envelope("<h xsi:type=\"xsd:int\">five</h>", "<m/>");
+    QTest::newRow("an encoding that isn't known")
+        << "<?xml version='1.0' encoding='unheard-of'?>" + envelope("<m/>");
+    QTest::newRow("an encoding without a name")
+        << "<?xml version='1.0' encoding?>" + envelope("<m/>");
+    QTest::newRow("an encoding without a name behind the sign")
+        << "<?xml version='1.0' encoding=?>" + envelope("<m/>");
+    QTest::newRow("an encoding without an end")
+        << "<?xml version='1.0' encoding='UTF-8?>" + envelope("<m/>");
+    QByteArray wide("\xFF\xFE");
+    const QByteArray narrow = envelope("<m/>");
+    for (const char character : narrow)
+        wide += QByteArray(1, character) + '\0';
+    QTest::newRow("UTF-16 that ends in half a character") << wide + '\n';
+    QByteArray prefixes[2];
+    for (int i = 0; i < 400; ++i)
+        prefixes[i % 2] += " xmlns:n" + QByteArray::number(i) + "='urn:n'";
+    QTest::newRow("four hundred namespaces in one place")
+        << response("<a" + prefixes[0] + "><b" + prefixes[1] + "/></a>");
+    QByteArray attributes;
+    for (int i = 0; i < 300; ++i)
+        attributes += " a" + QByteArray::number(i) + "='b'";
+    QTest::newRow("three hundred attributes") << response("<a" + attributes + "/>");
+    QTest::newRow("three hundred attributes in another encoding")
+        << "<?xml version='1.0' encoding = 'UTF-7'?>"
+            + response("<a" + attributes + "/>").replace("=", "+AD0-");
 }
 
 void tst_SoapMessage::badDocumentsAreFaults()
@@ -1282,6 +1625,11 @@ void tst_SoapMessage::badValuesAreFaults_data()
         R"(<a SOAP-ENC:arrayType="xsd:int[2]" SOAP-ENC:offset="[2]"><i>1</i></a>)");
     row("an offset of too many dimensions",
         R"(<a SOAP-ENC:arrayType="xsd:int[2]" SOAP-ENC:offset="[0,0]"><i>1</i></a>)");
+    row("a position that is left out",
+        R"(<a SOAP-ENC:arrayType="xsd:int[2]"><i SOAP-ENC:position="[]">1</i></a>)");
+    row("a number that has elements", R"(<a xsi:type="xsd:int">1<b/></a>)");
+    QTest::newRow("values that nest too deep")
+        << QByteArray("<a>").repeated(196) + QByteArray("</a>").repeated(196);
 }
 
 void tst_SoapMessage::badValuesAreFaults()
@@ -1306,6 +1654,7 @@ void tst_SoapMessage::validEnvelopes_data()
         << QByteArray("<e:Envelope xmlns:e=\"http://schemas.xmlsoap.org/soap/envelope/\"/>")
         << false;
     QTest::newRow("a page") << QByteArray("<html/>") << false;
+    QTest::newRow("a document type") << "<!DOCTYPE e>" + envelope("<m/>") << false;
 }
 
 void tst_SoapMessage::validEnvelopes()

@@ -883,6 +883,18 @@ void tst_SoapTransport::repliesInOtherForms_data()
     QTest::newRow("after a go-ahead")
         << "HTTP/1.1 100 Continue\r\n\r\n" + httpReply("200 OK", "text/xml", body) << read;
     QTest::newRow("accepted") << httpReply("202 Accepted", "text/xml", body) << read;
+    const QByteArray latin1 = QString::fromUtf8(body).toLatin1();
+    QTest::newRow("in the encoding that the head names")
+        << httpReply("200 OK", "text/xml; charset=\"ISO-8859-1\"; q=1", latin1) << read;
+    QTest::newRow("in the encoding that the document names, whatever the head says") << httpReply(
+        "200 OK", "text/xml; charset=utf-8", "<?xml version='1.0' encoding='ISO-8859-1'?>" + latin1)
+                                                                                     << read;
+    QTest::newRow("in the usual encoding, which the document names, whatever the head says")
+        << httpReply("200 OK", "text/xml; charset=ISO-8859-1",
+                     "<?xml version='1.0' encoding='UTF-8'?>" + body)
+        << read;
+    QTest::newRow("in an encoding that nobody knows, which is the usual one")
+        << httpReply("200 OK", "text/xml; charset=unheard-of", body) << read;
     QTest::newRow("a fault with status 500")
         << httpReply("500 Internal Server Error", "text/xml",
                      envelope("<SOAP-ENV:Fault><faultcode>SOAP-ENV:Server</faultcode>"

@@ -126,6 +126,7 @@ Q_DECLARE_METATYPE(Use)
 Q_DECLARE_METATYPE(QtSoapQName)
 Q_DECLARE_METATYPE(QtSoapType::Type)
 Q_DECLARE_METATYPE(Make)
+Q_DECLARE_METATYPE(QDomElement)
 
 class tst_SoapTypes : public QObject
 {
@@ -148,6 +149,8 @@ private Q_SLOTS:
 
     // Simple values
     void theBaseHasNoContent();
+    void theBaseIsReadAndWritten();
+    void aNullDocumentIsWrittenTo();
     void simpleValuesAreMade_data();
     void simpleValuesAreMade();
     void simpleValuesAreRead_data();
@@ -160,8 +163,11 @@ private Q_SLOTS:
     void aFailureTakesTheFormerContent();
     void nullValuesAreRead_data();
     void nullValuesAreRead();
+    void nullContainersAreRead_data();
+    void nullContainersAreRead();
     void simpleValuesAreWritten_data();
     void simpleValuesAreWritten();
+    void referencesAreWrittenWithoutContent();
     void readAndWrittenAgain_data();
     void readAndWrittenAgain();
     void attributesAreChanged();
@@ -181,6 +187,8 @@ private Q_SLOTS:
     void arraysAreWritten_data();
     void arraysAreWritten();
     void aLargeSizeTakesNoMemory();
+    void nothingGoesBehindTheLastPosition();
+    void anArrayIsReadIntoAnother();
     void anArrayIsWalked();
     void anArrayIsWalkedByDimension();
     void theEndOfAnArray();
@@ -191,6 +199,7 @@ private Q_SLOTS:
     void aPlainNameFindsAnyNamespace();
     void membersKeepTheirOrder();
     void aMemberReplacesItsNamesake();
+    void aLargeStructIsSearched();
     void aStructIsWalked();
     void structsAreWritten();
     void structsAreRead();
@@ -214,18 +223,29 @@ private Q_SLOTS:
     void aContainerRefusesItself();
     void iteratorsKeepTheMembers();
     void copiesOfSimpleValues();
+    void copiesOfArrays();
 
     // References
     void referencesAreFollowed_data();
     void referencesAreFollowed();
     void referencesThatLeadNowhere_data();
     void referencesThatLeadNowhere();
+    void referencesLeadOutOfTheElement_data();
+    void referencesLeadOutOfTheElement();
+    void referencesDoNotLeadIntoADocumentThatOneIsNotIn();
+    void referencesThatCannotBeFollowed_data();
+    void referencesThatCannotBeFollowed();
+    void elementsThatAreRefused_data();
+    void elementsThatAreRefused();
 
     // Factory and prefixes
     void elementsBecomeValues_data();
     void elementsBecomeValues();
     void noElementIsNoValue();
     void aHandlerReadsItsType();
+    void aHandlerGetsTheWholeElement();
+    void handlersWithinEachOther_data();
+    void handlersWithinEachOther();
     void aHandlerThatFails();
     void aHandlerIsRegisteredOnce();
     void prefixesAreRegistered();
@@ -352,6 +372,33 @@ void tst_SoapTypes::theBaseHasNoContent()
     QCOMPARE(QtSoapType().name().name(), QString());
 }
 
+void tst_SoapTypes::theBaseIsReadAndWritten()
+{
+    QtSoapType value;
+    QVERIFY(value.parse(element(R"(<a xmlns="urn:x" id="one" xsi:type="xsd:int">3</a>)")));
+    QCOMPARE(SoapText::ofName(value.name()), QString("{urn:x}a"));
+    QCOMPARE(value.id(), QString("one"));
+    QCOMPARE(value.type(), QtSoapType::Int);
+    QCOMPARE(value.toInt(), 0);
+    QCOMPARE(written(value), QString("{urn:x}a id=one xsi:type=xsd:int"));
+
+    // Its members are those of any value.
+    const QtSoapType& constant = value;
+    QVERIFY(!constant[QtSoapQName("a", "urn:x")].isValid());
+}
+
+void tst_SoapTypes::aNullDocumentIsWrittenTo()
+{
+    const QtSoapSimpleType value(QtSoapQName("a", "urn:x"), 1);
+    QDomElement written = value.toDomElement(QDomDocument());
+    QCOMPARE(written.localName(), QString("a"));
+    QCOMPARE(written.namespaceURI(), QString("urn:x"));
+    QCOMPARE(written.text(), QString("1"));
+    // It is of a document that stays.
+    written.appendChild(written.ownerDocument().createTextNode(" and more"));
+    QCOMPARE(written.text(), QString("1 and more"));
+}
+
 void tst_SoapTypes::simpleValuesAreMade_data()
 {
     QTest::addColumn<Make>("make");
@@ -439,6 +486,8 @@ void tst_SoapTypes::simpleValuesAreRead_data()
     same("long", "-9223372036854775808", std::numeric_limits<qlonglong>::min());
     same("long", "9223372036854775807", std::numeric_limits<qlonglong>::max());
     same("unsignedLong", "18446744073709551615", std::numeric_limits<qulonglong>::max());
+    same("unsignedLong", "0", qulonglong(0));
+    same("unsignedLong", "-0", qulonglong(0));
     same("integer", "-12", qlonglong(-12));
     same("integer", "18446744073709551615", std::numeric_limits<qulonglong>::max());
     same("integer", "100000000000000000000", text("100000000000000000000"));
@@ -450,16 +499,34 @@ void tst_SoapTypes::simpleValuesAreRead_data()
     same("double", "-1.5E-3", -0.0015);
     same("double", "INF", std::numeric_limits<double>::infinity());
     same("double", "-INF", -std::numeric_limits<double>::infinity());
+    same("double", "1e999", std::numeric_limits<double>::infinity());
+    same("double", "-1e999", -std::numeric_limits<double>::infinity());
+    same("double", "1e-999", 0.0);
+    same("double", "1e99999999999999999999", std::numeric_limits<double>::infinity());
+    same("double", "1e-99999999999999999999", 0.0);
+    same("double", "0." + QByteArray(400, '0') + "1", 0.0);
+    same("double", "-0." + QByteArray(500, '0') + "1e5", 0.0);
+    same("double", "0." + QByteArray(500, '0') + "1e900", std::numeric_limits<double>::infinity());
+    same("double", QByteArray(400, '1') + "e-800", 0.0);
+    same("double", QByteArray(400, '1'), std::numeric_limits<double>::infinity());
     same("decimal", "12345678901234567890.125", 12345678901234567890.125);
     same("date", "2013-02-28", QDate(2013, 2, 28));
+    same("date", "2012-02-29", QDate(2012, 2, 29));
+    same("date", "12013-02-28", text("12013-02-28"));
+    same("date", "-0044-03-15", text("-0044-03-15"));
     same("time", "13:20:05", QTime(13, 20, 5));
     same("time", "13:20:05.250", QTime(13, 20, 5, 250));
+    same("time", "24:00:00.0", QTime(0, 0));
     same("dateTime", "2013-02-28T13:20:05Z",
          QDateTime(QDate(2013, 2, 28), QTime(13, 20, 5), Qt::UTC));
     same("dateTime", "2013-02-28T13:20:05-05:00",
          QDateTime(QDate(2013, 2, 28), QTime(18, 20, 5), Qt::UTC));
     same("dateTime", "2013-02-28T13:20:05",
          QDateTime(QDate(2013, 2, 28), QTime(13, 20, 5), Qt::LocalTime));
+    same("dateTime", "2013-02-28T24:00:00Z", QDateTime(QDate(2013, 3, 1), QTime(0, 0), Qt::UTC));
+    same("dateTime", "12013-02-28T13:20:05Z", text("12013-02-28T13:20:05Z"));
+    same("base64Binary", "YWI=", QByteArray("ab"));
+    same("base64Binary", "YQ==", QByteArray("a"));
     same("base64Binary", "AAH/YWJj",
          QByteArray("\x00\x01\xff"
                     "abc",
@@ -476,11 +543,18 @@ void tst_SoapTypes::simpleValuesAreRead_data()
     same("string", "&lt;a&gt; &amp; \U0001F4F7", text("<a> & \U0001F4F7"));
     same("anyURI", "http://example.org/?a=b", text("http://example.org/?a=b"));
     same("duration", "P1Y2M3DT10H30M", text("P1Y2M3DT10H30M"));
+    same("duration", "-P3D", text("-P3D"));
+    same("duration", "P1YT2H", text("P1YT2H"));
+    same("duration", "PT1.5S", text("PT1.5S"));
     same("gYear", "2013", text("2013"));
     same("gYearMonth", "2013-02", text("2013-02"));
     same("gMonthDay", "--02-28", text("--02-28"));
     same("gDay", "---28", text("---28"));
     same("gMonth", "--02", text("--02"));
+    same("gMonth", "--02--", text("--02--"));
+    same("gMonth", "--02+01:00", text("--02+01:00"));
+    same("gMonth", "--02-05:00", text("--02-05:00"));
+    same("gMonth", "--02---05:00", text("--02---05:00"));
     same("token", "one two", text("one two"));
     same("normalizedString", "one two", text("one two"));
     same("language", "en-GB", text("en-GB"));
@@ -610,6 +684,35 @@ void tst_SoapTypes::textThatDoesNotFitIsRefused_data()
     row("hexBinary", "ABC");
     row("hexBinary", "XY");
     row("base64Binary", "A?B=");
+    row("base64Binary", "YW=I");
+    row("base64Binary", "YWJ");
+    row("base64Binary", "YQ=");
+    row("unsignedLong", "many");
+    row("double", "1e");
+    row("date", "2013-2-28");
+    row("date", "2013-02-30");
+    row("date", "2013-02-28x");
+    row("date", "2013-02-28+5:00");
+    row("date", "0000-02-28");
+    row("date", "213-02-28");
+    row("time", "13:20:05.");
+    row("time", "24:00:01");
+    row("time", "25:00:00");
+    row("dateTime", "2013-02-28 13:20:05");
+    row("dateTime", "2013-02-28T13:20");
+    row("gYearMonth", "2013");
+    row("gMonthDay", "02-28");
+    row("gDay", "-28");
+    row("gDay", "--28");
+    row("gMonth", "--02-");
+    row("duration", "1Y");
+    row("duration", "P");
+    row("duration", "P1H");
+    row("duration", "P1YT");
+    row("duration", "PT1Y");
+    row("duration", "PT1.S");
+    row("duration", "PT1.5M");
+    row("duration", "PT1.5");
 }
 
 void tst_SoapTypes::textThatDoesNotFitIsRefused()
@@ -653,6 +756,27 @@ void tst_SoapTypes::nullValuesAreRead_data()
     QTest::newRow("nil that is one") << R"(<a xsi1:type="xsd1:int" xsi1:nil="1"/>)" << true;
     QTest::newRow("not null") << R"(<a xsi:type="xsd:int" xsi:null="0">4</a>)" << false;
     QTest::newRow("not nil") << R"(<a xsi1:type="xsd1:int" xsi1:nil="false">4</a>)" << false;
+}
+
+void tst_SoapTypes::nullContainersAreRead_data()
+{
+    QTest::addColumn<QString>("xml");
+
+    QTest::newRow("a struct") << R"(<a xsi:type="SOAP-ENC:Struct" xsi:null="1"/>)";
+    QTest::newRow("an array") << R"(<a xsi:type="SOAP-ENC:Array" xsi:null="1"/>)";
+    QTest::newRow("an array of a size") << R"(<a SOAP-ENC:arrayType="xsd:int[2]" xsi:null="1"/>)";
+}
+
+void tst_SoapTypes::nullContainersAreRead()
+{
+    QFETCH(QString, xml);
+
+    const std::unique_ptr<QtSoapType> value(QtSoapTypeFactory::instance().soapType(element(xml)));
+    QVERIFY(value);
+    QVERIFY(value->isValid());
+    QVERIFY(!value->value().isValid());
+    QCOMPARE(value->count(), 0);
+    QCOMPARE(value->type(), QtSoapType::Other);
 }
 
 void tst_SoapTypes::nullValuesAreRead()
@@ -707,6 +831,19 @@ void tst_SoapTypes::simpleValuesAreWritten_data()
         value.setHref("#one");
         return value;
     }) << "a href=#one";
+}
+
+void tst_SoapTypes::referencesAreWrittenWithoutContent()
+{
+    QtSoapArray array(QtSoapQName("a"), QtSoapType::Int);
+    array.append(number(1));
+    array.setHref("#one");
+    QCOMPARE(written(array), QString("a href=#one"));
+
+    QtSoapStruct structure(QtSoapQName("s"));
+    structure.insert(number(1));
+    structure.setHref("#two");
+    QCOMPARE(written(structure), QString("s href=#two"));
 }
 
 void tst_SoapTypes::simpleValuesAreWritten()
@@ -936,6 +1073,8 @@ void tst_SoapTypes::badPositionsAreRefused_data()
         << Fill([](QtSoapArray& a) { a.insert(0, 0, 0, new Counted("a")); });
     QTest::newRow("five positions")
         << Fill([](QtSoapArray& a) { a.insert(0, 0, 0, 0, 0, new Counted("a")); });
+    QTest::newRow("the largest number there is") << Fill(
+        [](QtSoapArray& a) { a.insert(std::numeric_limits<int>::max(), 0, new Counted("a")); });
 }
 
 void tst_SoapTypes::badPositionsAreRefused()
@@ -1019,6 +1158,34 @@ void tst_SoapTypes::aLargeSizeTakesNoMemory()
              QString("[0 0 0 0 2147483646: int \"2\", 2147483646 2147483646 2147483646 2147483646 "
                      "2147483646: int \"1\"]"));
     QCOMPARE(QtSoapArrayIterator(array).pos(), most - 1);
+    QtSoapArrayIterator last(array);
+    ++last;
+    QCOMPARE(last.pos(), -1); // more than an int holds
+}
+
+void tst_SoapTypes::nothingGoesBehindTheLastPosition()
+{
+    const int most = std::numeric_limits<int>::max();
+    QtSoapArray array(QtSoapQName("a"), QtSoapType::Int, 2, 2);
+    array.insert(most - 1, 1, number(1));
+    array.append(new Counted("a"));
+    QCOMPARE(Counted::living, 0);
+    QCOMPARE(array.errorString(), QString("There is no such position in the array"));
+    QCOMPARE(SoapText::ofContent(array), QString(R"([2147483646 1: int "1"])"));
+}
+
+void tst_SoapTypes::anArrayIsReadIntoAnother()
+{
+    QtSoapArray array(QtSoapQName("former"), QtSoapType::String, 3);
+    array.append(new Counted("former"));
+    QVERIFY(array.parse(element(R"(<a SOAP-ENC:arrayType="xsd:int[2,1]"><i>1</i><i>2</i></a>)")));
+    QCOMPARE(Counted::living, 0);
+    QCOMPARE(SoapText::of(array), QString(R"(a: [0 0: int "1", 1 0: int "2"])"));
+
+    QVERIFY(!array.parse(element(R"(<a SOAP-ENC:arrayType="xsd:int[1]"><i>one</i></a>)")));
+    QVERIFY(!array.isValid());
+    QCOMPARE(array.count(), 0);
+    QVERIFY(!array.errorString().isEmpty());
 }
 
 void tst_SoapTypes::anArrayIsWalked()
@@ -1167,6 +1334,29 @@ void tst_SoapTypes::aMemberReplacesItsNamesake()
     QCOMPARE(SoapText::of(structure), QString(R"(s: {a: string "new", b: string "other"})"));
 }
 
+void tst_SoapTypes::aLargeStructIsSearched()
+{
+    QtSoapStruct structure(QtSoapQName("s"));
+    for (int i = 0; i < 40; ++i) {
+        structure.insert(
+            new QtSoapSimpleType(QtSoapQName(QStringLiteral("m%1").arg(i), "urn:x"), i));
+    }
+    structure.insert(new QtSoapSimpleType(QtSoapQName("m5"), 105));
+    structure.insert(new QtSoapSimpleType(QtSoapQName("m7", "urn:y"), 107));
+    structure.insert(new QtSoapSimpleType(QtSoapQName("m9", "urn:x"), 109));
+
+    QCOMPARE(structure.count(), 42);
+    QCOMPARE(structure[QtSoapQName("m0", "urn:x")].toInt(), 0);
+    QCOMPARE(structure[QtSoapQName("m39", "urn:x")].toInt(), 39);
+    QCOMPARE(structure.at(QtSoapQName("m7", "urn:y")).toInt(), 107);
+    QCOMPARE(structure[QtSoapQName("m9", "urn:x")].toInt(), 109);
+    QCOMPARE(structure["m39"].toInt(), 39);
+    QCOMPARE(structure["m5"].toInt(), 105);
+    QCOMPARE(structure["m7"].toInt(), 7);
+    QVERIFY(!structure[QtSoapQName("m1")].isValid());
+    QVERIFY(!structure["m40"].isValid());
+}
+
 void tst_SoapTypes::aStructIsWalked()
 {
     QtSoapStruct structure;
@@ -1250,6 +1440,7 @@ void tst_SoapTypes::nothingIsFound_data()
     static const QtSoapSimpleType constantSimple(QtSoapQName("a"), 1);
     static const QtSoapStruct constantStructure;
     static const QtSoapArray constantArray(QtSoapQName("a"), QtSoapType::Int, 2, 2);
+    static const QtSoapArray withoutColumns(QtSoapQName("a"), QtSoapType::Int, 2, 0);
     static const QtSoapMessage message;
 
     const auto row = [](const char* name, const Find& find) { QTest::newRow(name) << find; };
@@ -1290,6 +1481,9 @@ void tst_SoapTypes::nothingIsFound_data()
     row(
         "by name in a simple constant", []() -> auto& { return constantSimple["a"]; });
     row(
+        "by qualified name in a simple constant",
+        []() -> auto& { return constantSimple[QtSoapQName("a")]; });
+    row(
         "in a constant struct", []() -> auto& { return constantStructure[0]; });
     row(
         "by name in a constant struct", []() -> auto& { return constantStructure["a"]; });
@@ -1300,6 +1494,9 @@ void tst_SoapTypes::nothingIsFound_data()
         "in a constant array", []() -> auto& { return constantArray[0]; });
     row(
         "at positions in a constant array", []() -> auto& { return constantArray.at(0, 0); });
+    row(
+        "by position in an array whose rows are empty",
+        []() -> auto& { return withoutColumns[1]; });
     row(
         "further and further", []() -> auto& { return structure["a"][1]["b"][QtSoapQName("c")]; });
     row(
@@ -1448,6 +1645,31 @@ void tst_SoapTypes::copiesShareTheirMembers()
     QCOMPARE(SoapText::of(assigned), QString(R"(s: {a: string "1", b: [0: string "2"]})"));
 }
 
+void tst_SoapTypes::copiesOfArrays()
+{
+    auto original = std::make_unique<QtSoapArray>(QtSoapQName("a"), QtSoapType::String, 2, 2);
+    original->insert(1, 0, new Counted("b", "1"));
+    QtSoapArray assigned;
+    assigned.append(new Counted("gone"));
+    assigned = *original;
+    original.reset();
+    QCOMPARE(Counted::living, 1);
+    QCOMPARE(SoapText::of(assigned), QString(R"(a: [1 0: string "1"])"));
+    QCOMPARE(assigned[2].toString(), QString("1"));
+
+    const QtSoapArray& itself = assigned;
+    assigned = itself;
+    QCOMPARE(SoapText::of(assigned), QString(R"(a: [1 0: string "1"])"));
+
+    // One of its members, which nobody else owns.
+    auto* inner = new QtSoapArray(QtSoapQName("inner"));
+    inner->append(new Counted("c", "2"));
+    QtSoapArray outer(QtSoapQName("outer"));
+    outer.append(inner);
+    outer = *inner;
+    QCOMPARE(SoapText::of(outer), QString(R"(inner: [0: string "2"])"));
+}
+
 void tst_SoapTypes::addingToACopyLeavesTheOriginal_data()
 {
     QTest::addColumn<bool>("toTheCopy");
@@ -1574,6 +1796,17 @@ void tst_SoapTypes::aContainerRefusesItself_data()
         inner->append(new Counted("a"));
         QCOMPARE(SoapText::of(*outer), QString("outer: {inner: [0: string \"\"]}"));
     });
+    QTest::newRow("an array that it lies in") << Use([] {
+        auto* outer = new QtSoapArray(QtSoapQName("outer"));
+        QtSoapArray owner;
+        owner.append(outer);
+        auto* inner = new QtSoapStruct(QtSoapQName("inner"));
+        outer->append(inner);
+        inner->insert(outer);
+        QCOMPARE(inner->count(), 0);
+        inner->insert(new Counted("a"));
+        QCOMPARE(SoapText::of(*outer), QString("outer: [0: {a: string \"\"}]"));
+    });
 }
 
 void tst_SoapTypes::aContainerRefusesItself()
@@ -1680,6 +1913,123 @@ void tst_SoapTypes::referencesThatLeadNowhere()
     QVERIFY(!member.isValid());
     QCOMPARE(member.name().name(), QString("b"));
     QTEST(member.href(), "href");
+}
+
+void tst_SoapTypes::referencesLeadOutOfTheElement_data()
+{
+    QTest::addColumn<QString>("xml");
+    QTest::addColumn<QString>("read");
+
+    // The element <s> is read, wherever it lies.
+    QTest::newRow("to one behind it") << R"(<a><s><b href="#1"/></s><c id="1">text</c></a>)"
+                                      << R"(s: {b: "text"})";
+    QTest::newRow("to one before it, behind a text")
+        << R"(<a>a text <c id="1">text</c><s><b href="#1"/></s></a>)"
+        << R"(s: {b: "text"})";
+    QTest::newRow("within it and out of it")
+        << R"(<a><c id="1">one</c><s><b href="#1"/><d href="#2"/><e id="2">two</e></s></a>)"
+        << R"(s: {b: "one", d: "two", e: "two"})";
+    QTest::newRow("from the element itself")
+        << R"(<a><s href="#1"/><c id="1"><b xsi:type="xsd:int">3</b></c></a>)"
+        << R"(s: {b: int "3"})";
+}
+
+void tst_SoapTypes::referencesLeadOutOfTheElement()
+{
+    QFETCH(QString, xml);
+
+    QtSoapStruct structure;
+    QVERIFY2(structure.parse(element(xml).firstChildElement("s")),
+             qPrintable(structure.errorString()));
+    QTEST(SoapText::of(structure), "read");
+    QCOMPARE(structure.id(), QString());
+    QCOMPARE(structure.href(), QString());
+}
+
+void tst_SoapTypes::referencesDoNotLeadIntoADocumentThatOneIsNotIn()
+{
+    QDomDocument document;
+    QVERIFY(document.setContent(QByteArray("<a><c id='1'>text</c></a>"), false));
+    QDomElement apart = document.createElement("s");
+    QDomElement reference = document.createElement("b");
+    reference.setAttribute("href", "#1");
+    apart.appendChild(reference);
+
+    QtSoapStruct structure;
+    QVERIFY(structure.parse(apart));
+    QVERIFY(!structure["b"].isValid());
+    QCOMPARE(structure["b"].href(), QString("#1"));
+
+    document.documentElement().appendChild(apart);
+    QVERIFY(structure.parse(apart));
+    QCOMPARE(SoapText::of(structure), QString(R"(s: {b: "text"})"));
+}
+
+void tst_SoapTypes::referencesThatCannotBeFollowed_data()
+{
+    QTest::addColumn<QString>("xml");
+    QTest::addColumn<QString>("href");
+
+    QTest::newRow("to nothing") << R"(<a><s href="#1"/></a>)"
+                                << "#1";
+    QTest::newRow("to another document") << R"(<a><s href="http://127.0.0.1/x#1"/></a>)"
+                                         << "http://127.0.0.1/x#1";
+}
+
+void tst_SoapTypes::referencesThatCannotBeFollowed()
+{
+    QFETCH(QString, xml);
+    QFETCH(QString, href);
+
+    QtSoapSimpleType simple(QtSoapQName("former"), 5);
+    QVERIFY(!simple.parse(element(xml).firstChildElement("s")));
+    QVERIFY(!simple.isValid());
+    QCOMPARE(simple.name().name(), QString("s"));
+    QCOMPARE(simple.href(), href);
+    QCOMPARE(simple.errorString(),
+             QStringLiteral("The reference \"%1\" can't be followed").arg(href));
+}
+
+void tst_SoapTypes::elementsThatAreRefused_data()
+{
+    QTest::addColumn<QDomElement>("refused");
+    QTest::addColumn<QString>("error");
+
+    const auto attributes = [](int count) {
+        QString text;
+        for (int i = 0; i < count; ++i)
+            text += QStringLiteral(" a%1='%1'").arg(i);
+        return text;
+    };
+    const QString tooMany = "An element has more than 256 attributes";
+    // Each keeps its document alive.
+    static QDomDocument documents[5];
+    QDomDocument* document = documents;
+    const auto row = [&](const char* name, const QString& xml, const QString& error) {
+        QVERIFY(document->setContent(xml, false));
+        QTest::newRow(name) << document->elementsByTagName("s").item(0).toElement() << error;
+        ++document;
+    };
+    row("too many attributes", "<s" + attributes(257) + "/>", tooMany);
+    row("too many attributes around it", "<a" + attributes(257) + "><s/></a>", tooMany);
+    row("elements in a simple value", "<s><b/></s>",
+        "The element \"s\" of a simple type has elements inside");
+
+    const QString tooDeep = "The elements nest deeper than 200 levels";
+    row("too deep inside",
+        "<s>" + QString("<b>").repeated(200) + QString("</b>").repeated(200) + "</s>", tooDeep);
+    row("too deep around it", QString("<b>").repeated(201) + "<s/>" + QString("</b>").repeated(201),
+        tooDeep);
+}
+
+void tst_SoapTypes::elementsThatAreRefused()
+{
+    QFETCH(QDomElement, refused);
+
+    QtSoapSimpleType simple(QtSoapQName("former"), 5);
+    QVERIFY(!simple.parse(refused));
+    QVERIFY(!simple.isValid());
+    QTEST(simple.errorString(), "error");
 }
 
 void tst_SoapTypes::elementsBecomeValues_data()
@@ -1791,6 +2141,93 @@ void tst_SoapTypes::aHandlerReadsItsType()
     QVERIFY(!factory.soapType(element(R"(<p:Point xmlns:p="urn:points">5</p:Point>)")));
 }
 
+void tst_SoapTypes::aHandlerGetsTheWholeElement()
+{
+    // What an order's element is made of, as the handler sees it.
+    class Order : public QtSoapSimpleType
+    {
+    public:
+        bool parse(QDomNode node) override
+        {
+            const QDomElement order = node.toElement();
+            const QDomElement item = order.firstChildElement("item");
+            const QDomElement picture = order.lastChildElement();
+            parts = QStringList{
+                order.namespaceURI() + ' ' + order.localName(),
+                "urgent: " + order.attribute("urgent"),
+                "size: " + order.attributeNS("urn:orders", "size"),
+                "first: " + order.firstChild().nodeValue(),
+                "item: " + item.attribute("n") + ' ' + item.text(),
+                "between: " + item.nextSibling().nodeValue(),
+                "last: " + picture.namespaceURI() + ' ' + picture.localName() + ' '
+                    + picture.text(),
+            };
+            return true;
+        }
+        QStringList parts;
+    };
+    QVERIFY(QtSoapTypeFactory::instance().registerHandler(QtSoapQName("Order", "urn:orders"),
+                                                          new QtSoapTypeConstructor<Order>));
+
+    const std::unique_ptr<QtSoapType> value(QtSoapTypeFactory::instance().soapType(
+        element(R"(<o:Order xmlns:o="urn:orders" urgent="1" o:size="A4">two <item n="5">prints)"
+                R"(</item> of <o:picture>sea</o:picture></o:Order>)")));
+    const auto* order = dynamic_cast<const Order*>(value.get());
+    QVERIFY(order);
+    const QStringList parts{"urn:orders Order",
+                            "urgent: 1",
+                            "size: A4",
+                            "first: two ",
+                            "item: 5 prints",
+                            "between:  of ",
+                            "last: urn:orders picture sea"};
+    QCOMPARE(order->parts, parts);
+}
+
+namespace {
+
+/// A struct that is read by a handler, with whatever of its kind lies inside.
+class Box : public QtSoapStruct
+{};
+
+QByteArray boxes(int count)
+{
+    return R"(<m xmlns:b="urn:boxes">)" + QByteArray("<b:Box>").repeated(count)
+        + QByteArray("</b:Box>").repeated(count) + "</m>";
+}
+
+} // namespace
+
+void tst_SoapTypes::handlersWithinEachOther_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("error");
+
+    const auto referred = [](int times) {
+        return R"(<m xmlns:b="urn:boxes">)" + QByteArray("<r href='#1'/>").repeated(times)
+            + "<b:Box id='1'/></m>";
+    };
+    QTest::newRow("a few") << boxes(5) << QString();
+    QTest::newRow("many") << boxes(190) << QString();
+    QTest::newRow("deeper") << boxes(196) << "The values nest deeper than 196 levels";
+    QTest::newRow("one, again for each reference") << referred(100) << QString();
+    QTest::newRow("one, again for too many references")
+        << referred(10100) << "The references repeat too much";
+}
+
+void tst_SoapTypes::handlersWithinEachOther()
+{
+    QFETCH(QByteArray, body);
+    QFETCH(QString, error);
+
+    static const bool registered = QtSoapTypeFactory::instance().registerHandler(
+        QtSoapQName("Box", "urn:boxes"), new QtSoapTypeConstructor<Box>);
+    QVERIFY(registered);
+    QtSoapMessage message;
+    QCOMPARE(message.setContent(envelope(body)), error.isEmpty());
+    QCOMPARE(message.errorString(), error);
+}
+
 void tst_SoapTypes::aHandlerThatFails()
 {
     static int ends = 0; // the handler lives as long as the process
@@ -1821,6 +2258,9 @@ void tst_SoapTypes::aHandlerIsRegisteredOnce()
     QVERIFY(!factory.registerHandler(QtSoapQName(), new Refusal(ends)));
     QCOMPARE(ends, 2);
     QVERIFY(!factory.registerHandler(QtSoapQName("None", "urn:s"), nullptr));
+    auto* twice = new Refusal(ends);
+    QVERIFY(factory.registerHandler(QtSoapQName("Twice", "urn:s"), twice));
+    QVERIFY(!factory.registerHandler(QtSoapQName("Twice", "urn:s"), twice));
     QVERIFY(factory.registerHandler(QtSoapQName("Once", "urn:t"), new Refusal(ends)));
     QCOMPARE(ends, 2);
 }

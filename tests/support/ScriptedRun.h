@@ -60,7 +60,7 @@ inline int execute(const char* scriptPath, QObject& product)
     scripting.setPathToScript(QString::fromLocal8Bit(scriptPath));
     QObject::connect(&scripting, &VEK_NAMESPACE::CScripting::startTest, qApp, [&scripting] {
         scripting.log(scripting.hasFailed() ? "failed" : "not failed");
-        std::_Exit(EXIT_SUCCESS);
+        std::exit(EXIT_SUCCESS);
     });
     scripting.startScript();
     return QApplication::exec();

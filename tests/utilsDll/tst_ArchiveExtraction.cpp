@@ -1159,6 +1159,7 @@ void tst_ArchiveExtraction::whatIsNoArchiveIsRefused_data()
     QTest::newRow("a folder") << Prepare([] { makeFolder("in/a.zip"); });
     QTest::newRow("an empty file") << Prepare([] { makeFile("in/a.zip", {}); });
     QTest::newRow("a text") << Prepare([] { makeFile("in/a.zip", "text"); });
+    QTest::newRow("a device") << Prepare([] { makeLink("/dev/zero", "in/a.zip"); });
     QTest::newRow("a file that can't be read") << Prepare([] {
         ArchiveWriter archive;
         archive.add("x", "text");

@@ -184,6 +184,7 @@ private Q_SLOTS:
     void theFunctionHasItsPlainName();
     void seventyThousandEntries();
     void aboveFourGibibytes();
+    void aPipeIsNoArchive();
     void severalThreads();
     void damagedData();
     void truncatedArchives();
@@ -739,6 +740,18 @@ void tst_Archives::aboveFourGibibytes()
     QFile::remove("out/d/x");
     QCOMPARE(contents, (QStringList{"d/", "d/x = 4429185024 bytes", "d/y = text"}));
     QVERIFY2(peak > 0 && peak < usual + 20000, QByteArray::number(peak - usual) + " KiB");
+}
+
+/// Nobody ever writes to it.
+void tst_Archives::aPipeIsNoArchive()
+{
+    const Sandbox sandbox;
+    QCOMPARE(mkfifo("a.zip", 0644), 0);
+    QVERIFY(!extract(QStringLiteral("a.zip"), QStringLiteral("out/a")));
+    VEK_NAMESPACE::DecompressFiles(QStringLiteral("a.zip"), QStringLiteral("out/b"));
+    const VEK_NAMESPACE::ArchiveResult result =
+        VEK_NAMESPACE::ExtractArchive(QStringLiteral("a.zip"), QStringLiteral("out/c"));
+    QVERIFY(!result);
 }
 
 void tst_Archives::severalThreads()

@@ -270,6 +270,7 @@ private Q_SLOTS:
     void removingStopsAtWhatItMayNot();
     void removingBelowAFile();
     void removingThroughALink();
+    void nameFiltersAreForTheFilesOfTheFolder();
     void foldersOwnFilterAndOrderDoNotCount();
     void removingFromTheCurrentFolder();
     void removingADeepTree();
@@ -502,6 +503,19 @@ void tst_FileHelpers::removingThroughALink()
     QVERIFY(VEK_NAMESPACE::removeDirectoryContent(QDir(path("link"))));
 
     QCOMPARE(listTree(root()), QByteArrayList({"folder/", "link -> folder"}));
+}
+
+void tst_FileHelpers::nameFiltersAreForTheFilesOfTheFolder()
+{
+    makeTree(root(), {"a/", "a/1.jpg", "b.txt/", "b.txt/2", "c.jpg", "d.txt", "E.TXT", "f"});
+
+    QVERIFY(VEK_NAMESPACE::removeDirectoryContent(
+        QDir(m_root, QStringLiteral("*.txt *.none"), QDir::Name, QDir::Files)));
+    QCOMPARE(listTree(root()), QByteArrayList({"a/", "b.txt/", "c.jpg", "f"}));
+
+    makeTree(root(), {"in/", "in/c.jpg"});
+    QVERIFY(!VEK_NAMESPACE::removeDirectoryContent(QDir(path("in"), QStringLiteral("*.txt"))));
+    QCOMPARE(listTree(root() + "/in"), QByteArrayList({"c.jpg"}));
 }
 
 void tst_FileHelpers::foldersOwnFilterAndOrderDoNotCount()

@@ -287,6 +287,7 @@ private Q_SLOTS:
     void buttonRow();
     void icon_data();
     void icon();
+    void aCopyOfTheIconIsItsOwn();
     void size_data();
     void size();
     void translated();
@@ -557,6 +558,25 @@ void tst_MessageBox::icon()
         QVERIFY(inked.width() > drawn.width() * 8 / 10);
     });
     ask(box);
+    QCOMPARE(driver.count(), 1);
+}
+
+void tst_MessageBox::aCopyOfTheIconIsItsOwn()
+{
+    const BoxDriver driver([](CMessageBox& shown) {
+        const auto* viewer = shown.findChild<CIconViewer*>(QStringLiteral("iconWidget"));
+        QVERIFY(viewer);
+        const QIcon original = viewer->icon();
+        const QImage drawn = original.pixmap(34, 34).toImage();
+        QVERIFY(!drawn.isNull());
+        QIcon copy = original;
+        copy.addPixmap(QPixmap(34, 34)); // which makes it another icon
+        QVERIFY(copy.cacheKey() != original.cacheKey());
+        QCOMPARE(copy.pixmap(34, 34).toImage(), drawn);
+        QCOMPARE(copy.availableSizes(), QList<QSize>{QSize(40, 40)});
+        QCOMPARE(original.pixmap(34, 34).toImage(), drawn);
+    });
+    ask(Box::Information);
     QCOMPARE(driver.count(), 1);
 }
 

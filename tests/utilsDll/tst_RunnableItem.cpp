@@ -250,6 +250,7 @@ private Q_SLOTS:
     void stoppedItemStaysStopped();
     void itemRunsAgainIfKept();
     void stopCallsHooksAndSignalOnce();
+    void itemThatNeverStopsIsNotStopped();
     void withoutSignalsHooksAreCalledAllTheSame();
     void hooksRunOutsideTheLock();
     void defaultHooksDoNothing();
@@ -467,6 +468,20 @@ void tst_RunnableItem::stopCallsHooksAndSignalOnce()
                                QStringLiteral("wantsToStop, stop required: yes"),
                                QStringLiteral("doStopped, stop required: yes")};
     QCOMPARE(journal.lines(), expected);
+}
+
+void tst_RunnableItem::itemThatNeverStopsIsNotStopped()
+{
+    class Stubborn : public Item
+    {
+    public:
+        bool stopRequired() const override { return false; }
+    };
+    Journal journal;
+    Stubborn item;
+    record(item, journal);
+    item.stop();
+    QCOMPARE(journal.lines(), QStringList{QStringLiteral("doBeforeStopped, stop required: no")});
 }
 
 void tst_RunnableItem::withoutSignalsHooksAreCalledAllTheSame()

@@ -1,7 +1,9 @@
 #include "SoapLexical_p.h"
 
 #include <QDateTime>
+#include <QRegularExpression>
 
+#include <cstring>
 #include <limits>
 
 namespace VEK_NAMESPACE::soap {
@@ -30,6 +32,15 @@ public:
         if (atEnd() || m_text.at(m_at) != QLatin1Char(character))
             return false;
         ++m_at;
+        return true;
+    }
+
+    bool skip(const char* text)
+    {
+        const int length = int(std::strlen(text));
+        if (m_text.midRef(m_at, length) != QLatin1String(text, length))
+            return false;
+        m_at += length;
         return true;
     }
 
@@ -161,9 +172,8 @@ bool readMoment(const QString& text, int fields, Moment* moment)
         if (!scanner.skip('-') || !scanner.readTwoDigits(&moment->day))
             return false;
     }
-    // In 1999 a month alone had two more hyphens, "--05--".
-    if (fields == Month && scanner.skip('-') && !scanner.skip('-'))
-        return false;
+    if (fields == Month)
+        scanner.skip("--"); // which a month alone had in 1999, "--05--"
     if (!QDate::isValid(moment->year, moment->month, moment->day))
         return false;
     if (fields & Clock) {
@@ -322,6 +332,31 @@ QVariant wholeNumber(const QString& text)
     return text;
 }
 
+namespace {
+
+/// Whether the first digit of a number that isn't 0 stands behind its point, with the exponent
+/// taken into account. So is zero.
+bool isBelowOne(const QString& text)
+{
+    static const QRegularExpression digit(QStringLiteral("[1-9]"));
+    int end = text.indexOf(QLatin1Char('e'), 0, Qt::CaseInsensitive);
+    qlonglong exponent = 0;
+    if (end < 0) {
+        end = text.size();
+    } else {
+        bool fits = false;
+        exponent = text.midRef(end + 1).toLongLong(&fits);
+        if (!fits)
+            return text.at(end + 1) == QLatin1Char('-');
+    }
+    const int point = text.indexOf(QLatin1Char('.'));
+    const int integerEnd = point < 0 ? end : point;
+    const int first = text.indexOf(digit);
+    return first < 0 || first > end || exponent + integerEnd - first < (first < integerEnd ? 1 : 0);
+}
+
+} // namespace
+
 double realNumber(const QString& text)
 {
     if (text == QLatin1String("INF"))
@@ -335,13 +370,12 @@ double realNumber(const QString& text)
     if (fits || number != 0.0)
         return number;
 
-    // Too large or too small; the first digit tells nothing, the exponent does.
-    const int exponent = text.indexOf(QLatin1Char('e'), 0, Qt::CaseInsensitive);
-    const bool isSmall = exponent >= 0 && text.midRef(exponent + 1).startsWith(QLatin1Char('-'));
-    if (isSmall)
-        return 0.0;
-    const double infinity = std::numeric_limits<double>::infinity();
-    return text.startsWith(QLatin1Char('-')) ? -infinity : infinity;
+    // Too small, as later versions of Qt take what is too large for infinity. Earlier ones don't.
+    if (!isBelowOne(text)) {
+        const double infinity = std::numeric_limits<double>::infinity();
+        return text.startsWith(QLatin1Char('-')) ? -infinity : infinity;
+    }
+    return 0.0;
 }
 
 QVariant dateTime(const QString& text)

@@ -32,7 +32,7 @@ QByteArray declaredEncoding(const QByteArray& document)
 {
     if (!document.startsWith("<?xml"))
         return QByteArray();
-    const QByteArray declaration = document.left(qMin(document.indexOf("?>"), 1000));
+    const QByteArray declaration = document.left(document.indexOf("?>"));
     int at = declaration.indexOf("encoding");
     if (at < 0)
         return QByteArray();

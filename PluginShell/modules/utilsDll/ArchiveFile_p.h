@@ -3,6 +3,7 @@
 #include "UtilsDllGlobal.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QIODevice>
 
 #include <algorithm>
@@ -23,7 +24,8 @@ public:
 
     bool open(OpenMode mode) override
     {
-        if (mode != ReadOnly || !m_file.open(ReadOnly | Unbuffered))
+        // A pipe would wait for somebody who writes to it.
+        if (mode != ReadOnly || !QFileInfo(m_file).isFile() || !m_file.open(ReadOnly | Unbuffered))
             return false;
         m_size = m_file.size();
         return QIODevice::open(ReadOnly | Unbuffered);

@@ -31,8 +31,6 @@ bool copy(QuaZipFile& entry, QFile& target)
 /// \a madeFolder is the folder that is known to be there.
 bool extractCurrentEntry(QuaZip& zip, const QDir& destination, QString& madeFolder)
 {
-    if (zip.getMode() != QuaZip::mdUnzip)
-        return false;
     const bool isReadable = VEK_NAMESPACE::canBeRead(zip);
     QuaZipFile entry(&zip);
     if (!entry.open(QIODevice::ReadOnly) || entry.getZipError() != UNZ_OK)
@@ -75,7 +73,7 @@ bool canAllBeRead(const QString& zipPath)
     VEK_NAMESPACE::ArchiveFile file(zipPath);
     QuaZip zip(&file);
     if (!zip.open(QuaZip::mdUnzip))
-        return true;
+        return false;
     bool readable = true;
     for (bool more = zip.goToFirstFile(); more && readable; more = zip.goToNextFile())
         readable = VEK_NAMESPACE::canBeRead(zip);

@@ -1,0 +1,3 @@
+scripting.setSlider(mainWindow, "slider", 70);
+scripting.wait(1500);
+scripting.clickButton(mainWindow, "crash");

@@ -1,0 +1,1 @@
+scripting.compare(scripting.getSettingValue("beside/script"), "from the default file");

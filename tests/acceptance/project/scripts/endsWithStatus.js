@@ -1,0 +1,1 @@
+scripting.clickButton(mainWindow, "status");

@@ -1,0 +1,2 @@
+scripting.compare(scripting.isFileExist("main.cpp"), true);
+scripting.compare(scripting.isFileExist("scripts/files.js"), true);

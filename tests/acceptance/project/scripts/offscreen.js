@@ -1,0 +1,1 @@
+scripting.compare(mainWindow.visible, true);

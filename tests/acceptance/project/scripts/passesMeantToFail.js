@@ -1,0 +1,3 @@
+// Passes, and the host takes its time to end.
+
+scripting.clickButton(mainWindow, "linger");

@@ -1,0 +1,3 @@
+scripting.setSlider(mainWindow, "slider", 70);
+while (true)
+    scripting.wait(50);
