@@ -7,6 +7,8 @@
 #include <QString>
 #include <QtGlobal>
 
+#include <cstddef>
+
 #include <malloc.h>
 #include <unistd.h>
 
@@ -19,7 +21,8 @@
 #define SOAKS_WITH_SANITIZER 0
 #endif
 #if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/allocator_interface.h>
+// GCC brings the function, and no header for it.
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 #endif
 
 /// What this process holds.
