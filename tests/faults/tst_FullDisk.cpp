@@ -304,6 +304,9 @@ void tst_FullDisk::nothing_half_written_is_saved()
     QVERIFY(QDir(m_disk->path()).mkdir(QStringLiteral("folder")));
     const QString target = onDisk(QStringLiteral("folder/") + name);
     QVERIFY(writeFile(target, "what was there before"));
+    // Qt loses its table of lines where a PNG picture can't be written to its end.
+    set("ASAN_OPTIONS",
+        QString::fromLocal8Bit(qgetenv("ASAN_OPTIONS")) + QStringLiteral(":detect_leaks=0"));
 
     const QString script = path(QStringLiteral("case.js"));
     QCOMPARE(run(script,
