@@ -7,6 +7,7 @@
 find_program(UTILSDLL_DPKG_SHLIBDEPS dpkg-shlibdeps)
 mark_as_advanced(UTILSDLL_DPKG_SHLIBDEPS)
 if(NOT UTILSDLL_DPKG_SHLIBDEPS)
+    message(STATUS "No Debian packages can be made: that needs dpkg-dev and file")
     return()
 endif()
 
