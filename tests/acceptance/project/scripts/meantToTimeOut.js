@@ -1,3 +1,0 @@
-scripting.setSlider(mainWindow, "slider", 70);
-while (true)
-    scripting.wait(50);

@@ -1,1 +1,0 @@
-scripting.compare(mainWindow.visible, true);
