@@ -5,20 +5,32 @@
 #include "SharedUtils.h"
 #include "storageLocation.h"
 
+#include <QFileInfo>
 #include <QStringList>
 
 using namespace VEK_NAMESPACE;
 
+namespace {
+
+QString lockFile(const QString& mode)
+{
+    return CStorageLocation::crashTempFilesPath() + mode + QStringLiteral(".lock");
+}
+
+} // namespace
+
 RunRecord::RunRecord(const QString& mode, const QString& crashFlag)
     : m_crashFlag(crashFlag)
-    , m_firstOfMode(CStorageLocation::crashTempFilesPath() + mode + QStringLiteral(".lock"))
+    , m_firstOfMode(lockFile(mode))
     , m_firstLaunch(VEK_NAMESPACE::isFirstLaunch())
 {
     if (m_firstLaunch)
         setNotFirstLaunch();
     setLastLaunchMode(mode);
 
-    m_firstOfMode.setStaleLockTime(0); // however long a run takes
+    // However long a run takes. Only one that was killed as it began leaves an empty lock.
+    const QFileInfo lock(lockFile(mode));
+    m_firstOfMode.setStaleLockTime(lock.exists() && lock.size() == 0 ? 500 : 0);
     if (!m_firstOfMode.tryLock(0))
         return;
     m_lastRunCrashed = CSettings().value(m_crashFlag).toString() == g_appStarted;

@@ -114,6 +114,7 @@ private Q_SLOTS:
     void the_first_run_leaves_its_mode();
     void an_acceptance_run_leaves_no_mode();
     void a_run_that_crashes_is_counted_once();
+    void a_run_that_was_killed_in_its_first_moment_is_no_hindrance();
     void a_second_host_at_the_same_time_is_no_crash();
     void the_log_begins_with_four_lines();
     void without_the_logger_nothing_is_logged();
@@ -212,6 +213,24 @@ void tst_HostRuns::a_run_that_crashes_is_counted_once()
     QCOMPARE(state(),
              QStringLiteral("Launched before: yes\nLast mode: Standalone\n"
                             "Crashes: Standalone 1, LR 0, PS 0, AP 0\n"));
+}
+
+void tst_HostRuns::a_run_that_was_killed_in_its_first_moment_is_no_hindrance()
+{
+    // It came to make the lock that tells the first host of all, but not to fill it.
+    const QString folder =
+        home() + QStringLiteral("/Library/Vek_Labs/Vek Marlowick 3/CrashReports/temp/");
+    QVERIFY(QDir().mkpath(folder));
+    QFile lock(folder + QStringLiteral("Standalone.lock"));
+    QVERIFY(lock.open(QIODevice::WriteOnly));
+    QVERIFY(lock.setFileTime(QDateTime::currentDateTime().addSecs(-2),
+                             QFileDevice::FileModificationTime));
+    lock.close();
+    writeSetting("appStandaloneCrashFlag", "started");
+
+    QVERIFY(run());
+    QVERIFY(logTexts().contains(QStringLiteral("The last run did not come to its end")));
+    QCOMPARE(setting("appStandaloneCrashFlag"), QStringLiteral("finished"));
 }
 
 void tst_HostRuns::a_second_host_at_the_same_time_is_no_crash()

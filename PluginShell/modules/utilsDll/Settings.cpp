@@ -8,6 +8,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QLockFile>
 
 #include <filesystem>
 #include <system_error>
@@ -18,6 +19,18 @@ using Private::logLine;
 
 namespace {
 
+/// A process that is killed while it makes its lock leaves an empty one, for which QSettings would
+/// wait half a minute. A living one fills its lock at once.
+void takeAwayEmptyLock(const QString& settingsPath)
+{
+    const QFileInfo file(settingsPath + QStringLiteral(".lock"));
+    if (!file.isFile() || file.size() > 0)
+        return;
+    QLockFile lock(file.filePath());
+    lock.setStaleLockTime(500);
+    lock.tryLock(2000);
+}
+
 /// The path of the product's settings file. QSettings forgets a parsed file when its last object
 /// goes, which would make every short-lived CSettings parse it again, so one object stays.
 const QString& settingsFilePath()
@@ -26,6 +39,8 @@ const QString& settingsFilePath()
     {
         const QString path = Platform::systemFolder() + QStringLiteral("Data.plist");
         const QSettings keepParsed{path, QSettings::NativeFormat};
+
+        SettingsFile() { takeAwayEmptyLock(path); }
     };
     // Never destroyed: later destructors of singletons may still read settings.
     static const SettingsFile& file = *new SettingsFile;
