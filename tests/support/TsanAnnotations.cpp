@@ -37,6 +37,9 @@ Function* next(const char* symbol)
 /// more than Qt promises, since an event doesn't tell which call it comes from.
 char s_events;
 
+/// What connects a signal is ordered before all that the signal calls.
+char s_connections;
+
 bool acquireEvent(void** arguments)
 {
     const auto* const event = static_cast<QEvent*>(arguments[1]);
@@ -157,7 +160,23 @@ void QMetaObject::activate(QObject* sender, const QMetaObject* meta, int signal,
     static auto* const activateNext = next<void(QObject*, const QMetaObject*, int, void**)>(
         "_ZN11QMetaObject8activateEP7QObjectPKS_iPPv");
     __tsan_release(&s_events);
+    __tsan_acquire(&s_connections);
     activateNext(sender, meta, signal, arguments);
+}
+
+QMetaObject::Connection QObject::connectImpl(const QObject* sender, void** signal,
+                                             const QObject* receiver, void** slotPtr,
+                                             QtPrivate::QSlotObjectBase* slot,
+                                             Qt::ConnectionType type, const int* types,
+                                             const QMetaObject* senderMetaObject)
+{
+    static auto* const connectNext = next<QMetaObject::Connection(
+        const QObject*, void**, const QObject*, void**, QtPrivate::QSlotObjectBase*,
+        Qt::ConnectionType, const int*, const QMetaObject*)>(
+        "_ZN7QObject11connectImplEPKS_PPvS1_S3_PN9QtPrivate15QSlotObjectBaseEN2Qt14ConnectionType"
+        "EPKiPK11QMetaObject");
+    __tsan_release(&s_connections);
+    return connectNext(sender, signal, receiver, slotPtr, slot, type, types, senderMetaObject);
 }
 
 bool QMetaObject::invokeMethod(QObject* object, const char* member, Qt::ConnectionType type,
