@@ -642,6 +642,10 @@ void tst_SoapMessage::theMethodMayComeLast()
     QCOMPARE(many.body()[0].name().name(), QString("m"));
     QCOMPARE(many.body()["b0"].toInt(), 0);
     QCOMPARE(many.body()[QtSoapQName("b19")].toInt(), 19);
+    QVERIFY(many.body()[QtSoapQName("m", "urn:m")].isValid());
+    many.setMethod("n", "urn:n");
+    QVERIFY(many.body()[QtSoapQName("n", "urn:n")].isValid());
+    QVERIFY(!many.body()[QtSoapQName("m", "urn:m")].isValid());
 
     // A method that was taken from the body is made again.
     OpenMessage open;

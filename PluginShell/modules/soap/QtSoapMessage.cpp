@@ -354,9 +354,8 @@ const QtSoapType& QtSoapMessage::returnValue() const
 
 void QtSoapMessage::setMethod(const QtSoapQName& method)
 {
-    QtSoapStruct& structure = m_data->ownMethod();
-    structure.setName(method);
-    m_data->items().members[0].name = method;
+    m_data->ownMethod().setName(method);
+    m_data->items().rename(0, method);
 }
 
 void QtSoapMessage::setMethod(const QString& name, const QString& uri)

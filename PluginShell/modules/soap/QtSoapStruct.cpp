@@ -47,22 +47,16 @@ int QtSoapStruct::Data::findInAnyNamespace(const QString& name) const
 void QtSoapStruct::Data::append(const ValuePointer& value)
 {
     members.append({value->name(), value});
-    if (members.size() > membersWithoutIndex) {
-        const int first = m_byName.isEmpty() ? 0 : members.size() - 1;
-        for (int i = first; i < members.size(); ++i)
-            addToIndex(i);
-    }
+    if (m_byName.isEmpty())
+        makeIndex();
+    else
+        addToIndex(members.size() - 1);
 }
 
 void QtSoapStruct::Data::prepend(const ValuePointer& value)
 {
     members.prepend({value->name(), value});
-    m_byName.clear();
-    m_byLocalName.clear();
-    if (members.size() > membersWithoutIndex) {
-        for (int i = 0; i < members.size(); ++i)
-            addToIndex(i);
-    }
+    makeIndex();
 }
 
 void QtSoapStruct::Data::replace(int at, const ValuePointer& value)
@@ -70,9 +64,25 @@ void QtSoapStruct::Data::replace(int at, const ValuePointer& value)
     members[at].value = value;
 }
 
+void QtSoapStruct::Data::rename(int at, const QtSoapQName& name)
+{
+    members[at].name = name;
+    makeIndex();
+}
+
 void QtSoapStruct::Data::clear()
 {
     *this = Data();
+}
+
+void QtSoapStruct::Data::makeIndex()
+{
+    m_byName.clear();
+    m_byLocalName.clear();
+    if (members.size() <= membersWithoutIndex)
+        return;
+    for (int i = 0; i < members.size(); ++i)
+        addToIndex(i);
 }
 
 void QtSoapStruct::Data::addToIndex(int at)

@@ -164,9 +164,11 @@ struct QtSoapStruct::Data
     void append(const VEK_NAMESPACE::soap::ValuePointer& value);
     void prepend(const VEK_NAMESPACE::soap::ValuePointer& value);
     void replace(int at, const VEK_NAMESPACE::soap::ValuePointer& value);
+    void rename(int at, const QtSoapQName& name);
     void clear();
 
 private:
+    void makeIndex();
     void addToIndex(int at);
 
     // Only of a large struct; the first member of a name.
