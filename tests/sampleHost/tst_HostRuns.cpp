@@ -2,12 +2,11 @@
 // that a launcher hands over to it.
 
 #include "HostProcess.h"
+#include "SettingsFiles.h"
 #include "WindowProperties.h"
 
-#include <QDir>
 #include <QImage>
 #include <QRegularExpression>
-#include <QSettings>
 #include <QTemporaryDir>
 
 #include <csignal>
@@ -40,12 +39,6 @@ QStringList logTexts(int host = 1)
     return texts;
 }
 
-QString settingsFile()
-{
-    return QString::fromLocal8Bit(qgetenv("XDG_CONFIG_HOME"))
-        + QStringLiteral("/Vek Labs/krnv3/Data.plist");
-}
-
 void writeSetting(const char* key, const char* value)
 {
     QSettings settings(settingsFile(), QSettings::IniFormat);
@@ -54,7 +47,7 @@ void writeSetting(const char* key, const char* value)
 
 QString setting(const char* key)
 {
-    return QSettings(settingsFile(), QSettings::IniFormat).value(QLatin1String(key)).toString();
+    return settingsIn(settingsFile()).value(QLatin1String(key));
 }
 
 /// A host that stays until its user closes it, or it is killed.
@@ -140,7 +133,7 @@ void tst_HostRuns::init()
 {
     m_dir.reset(new QTemporaryDir);
     QVERIFY(QDir(home() + QStringLiteral("/Library")).removeRecursively());
-    QVERIFY(QDir(QFileInfo(settingsFile()).path()).removeRecursively());
+    QVERIFY(QDir(settingsFolder()).removeRecursively());
     QImage image(60, 40, QImage::Format_RGB32);
     image.fill(Qt::darkGreen);
     QVERIFY(image.save(picture()));

@@ -19,18 +19,6 @@ using Private::logLine;
 
 namespace {
 
-/// A process that is killed while it makes its lock leaves an empty one, for which QSettings would
-/// wait half a minute. A living one fills its lock at once.
-void takeAwayEmptyLock(const QString& settingsPath)
-{
-    const QFileInfo file(settingsPath + QStringLiteral(".lock"));
-    if (!file.isFile() || file.size() > 0)
-        return;
-    QLockFile lock(file.filePath());
-    lock.setStaleLockTime(500);
-    lock.tryLock(2000);
-}
-
 /// The path of the product's settings file. QSettings forgets a parsed file when its last object
 /// goes, which would make every short-lived CSettings parse it again, so one object stays.
 const QString& settingsFilePath()
@@ -39,12 +27,23 @@ const QString& settingsFilePath()
     {
         const QString path = Platform::systemFolder() + QStringLiteral("Data.plist");
         const QSettings keepParsed{path, QSettings::NativeFormat};
-
-        SettingsFile() { takeAwayEmptyLock(path); }
     };
     // Never destroyed: later destructors of singletons may still read settings.
     static const SettingsFile& file = *new SettingsFile;
     return file.path;
+}
+
+/// A process that is killed while it makes its lock leaves an empty one, for which QSettings would
+/// wait half a minute. A living one fills its lock at once, and holds it in a way that lasts no
+/// longer than the process.
+void takeAwayEmptyLock(const QString& settingsPath)
+{
+    const QFileInfo file(settingsPath + QStringLiteral(".lock"));
+    if (!file.isFile() || file.size() > 0)
+        return;
+    QLockFile lock(file.filePath());
+    lock.setStaleLockTime(500);
+    lock.tryLock(2000);
 }
 
 /// Whether a file can be written once more beside what is there of it. QSettings takes a write that
@@ -59,6 +58,12 @@ bool hasSpaceForChange(const QSettings& settings)
     std::error_code unknown;
     const auto disk = std::filesystem::space(QFile::encodeName(file.path()).constData(), unknown);
     return unknown || disk.capacity == 0 || disk.available >= quint64(file.size()) + spareSpace;
+}
+
+bool isReadyForChange(const QSettings& settings)
+{
+    takeAwayEmptyLock(settings.fileName());
+    return hasSpaceForChange(settings);
 }
 
 } // namespace
@@ -119,7 +124,7 @@ void CSettings::setValue(const QString& key, const QVariant& value)
     if (usingTemporarySettings()) {
         overlay().setValue(localKey(key), value);
         overlay().sync();
-    } else if (hasSpaceForChange(m_settings)) {
+    } else if (isReadyForChange(m_settings)) {
         m_settings.setValue(key, value);
     }
 }
@@ -134,7 +139,7 @@ void CSettings::remove(const QString& key)
     if (usingTemporarySettings()) {
         overlay().remove(localKey(key));
         overlay().sync();
-    } else if (hasSpaceForChange(m_settings)) {
+    } else if (isReadyForChange(m_settings)) {
         m_settings.remove(key);
     }
 }
@@ -167,7 +172,7 @@ int CSettings::beginReadArray(const QString& prefix)
 
 void CSettings::beginWriteArray(const QString& prefix, int size)
 {
-    if (usingTemporarySettings() || hasSpaceForChange(m_settings))
+    if (usingTemporarySettings() || isReadyForChange(m_settings))
         store().beginWriteArray(prefix, size);
     else
         m_settings.beginReadArray(prefix); // whose end changes nothing
