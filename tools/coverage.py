@@ -13,8 +13,8 @@ import sys
 
 
 def excused_lines(page):
-    """The lines that the page names, as a set of texts for each file."""
-    lines = collections.defaultdict(set)
+    """The lines that the page names: for each file its texts, each as often as it stands there."""
+    lines = collections.defaultdict(collections.Counter)
     for row in page.read_text(encoding="utf-8").splitlines():
         cells = re.split(r"(?<!\\)\|", row)
         if len(cells) != 5:
@@ -33,7 +33,6 @@ def main():
     arguments = parser.parse_args()
 
     excused = excused_lines(arguments.page)
-    unused = {(file, text) for file, texts in excused.items() for text in texts}
     lines = reached = branches = taken = 0
     failed = False
     for file in json.loads(arguments.counters.read_text(encoding="utf-8"))["files"]:
@@ -48,13 +47,15 @@ def main():
             taken += sum(branch["count"] > 0 for branch in line["branches"])
             text = source[line["line_number"] - 1].strip()
             if line["count"] == 0:
-                unused.discard((path, text))
-                if text not in excused[path]:
+                excused[path][text] -= 1
+                if excused[path][text] < 0:
                     print(f"{path}:{line['line_number']}: no test reaches: {text}")
                     failed = True
-    for path, text in sorted(unused):
-        print(f"{arguments.page}: {path} has no such line, or a test reaches it: {text}")
-        failed = True
+    for path, texts in sorted(excused.items()):
+        for text, left in sorted(texts.items()):
+            if left > 0:
+                print(f"{arguments.page}: {path} has no such line, or a test reaches it: {text}")
+                failed = True
 
     share = 100.0 * reached / max(lines, 1)
     print(f"lines: {share:.1f} percent ({reached} of {lines}), branches: "
