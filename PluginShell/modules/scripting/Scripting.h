@@ -76,8 +76,8 @@ public:
     bool hasFailed() const;
 
     /// Calls \a observer once, at the first failure or at the exception that becomes it, while the
-    /// windows still are as the script left them. It mustn't serve events. An empty function takes
-    /// it away. Not visible to scripts.
+    /// windows still are as the script left them. It mustn't serve events. There is one: another
+    /// takes its place, an empty function takes it away. Not visible to scripts.
     void setFailureObserver(std::function<void()> observer);
 
     /// The text of the pending script exception with its line, or a null string.
