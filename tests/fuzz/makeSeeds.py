@@ -176,6 +176,18 @@ size=@Size(640 480)
 at=@@home
 text="with \\"quotes\\" and ; and \\x4e9\\n"
 """,
+    "streamed": """[General]
+bits=@Variant(\\0\\0\\0\\r\\0\\0\\0\\v\\b\\0)
+date=@Variant(\\0\\0\\0\\xe\\0%\\x84\\xe2)
+float=@Variant(\\0\\0\\0\\x87@ \\0\\0)
+hash=@Variant(\\0\\0\\0\\x1c\\0\\0\\0\\x1\\0\\0\\0\\x2\\0\\x61\\0\\0\\0\\x2\\0\\0\\0\\x1)
+list=1, @Variant(\\0\\0\\0\\t\\0\\0\\0\\x1\\0\\0\\0\\x2\\0\\0\\0\\x1), "a, b"
+polygon=@Variant(\\0\\0\\0G\\0\\0\\0\\x1\\0\\0\\0\\x1\\0\\0\\0\\x2)
+[times]
+local=@DateTime(\\0\\0\\0\\x10\\0\\0\\0\\0\\0\\0%\\x85\\x3\\0\\xe0\\x65P\\0)
+offset=@DateTime(\\0\\0\\0\\x10\\0\\0\\0\\0\\0\\0%\\x85\\x3\\0\\xe0\\x65P\\x2\\0\\0\\xe\\x10)
+zone=@DateTime(\\0\\0\\0\\x10\\0\\0\\0\\0\\0\\0%\\x85\\x3\\0\\xe0\\x65P\\x3\\0\\0\\0\\x6\\0U\\0T\\0\\x43)
+""",
     "no-section": "a=1\nb/c=2\n",
     "escaped-keys": "[a%20b]\nc%2Fd=1\n%U65E5%U672C=2\n",
     "comments": "; a comment\n[General]\n;b=1\nc=2 ; not a comment?\n\n\n",

@@ -1,14 +1,24 @@
 #include "OrdinaryFileRights.h"
 #include "Settings.h"
+#include "TemporarySettings.h"
 
+#include <QBitArray>
+#include <QColor>
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QFont>
+#include <QKeySequence>
+#include <QPolygon>
+#include <QPolygonF>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <QTimeZone>
+#include <QUuid>
 #include <QtTest>
 
 #include <cstdio>
@@ -16,6 +26,7 @@
 #include <vector>
 
 using VEK_NAMESPACE::CSettings;
+using VEK_NAMESPACE::CTemporarySettings;
 
 // The place of the fixed file is settled once per process, so this program runs itself, with a
 // command, for each process that a test needs.
@@ -23,6 +34,19 @@ using VEK_NAMESPACE::CSettings;
 namespace {
 
 const char place[] = "/Vek Labs/krnv3/Data.plist";
+
+QByteArray contents(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
+}
+
+bool write(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    return QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly)
+        && file.write(bytes) == bytes.size();
+}
 
 void print(const QVariant& value)
 {
@@ -92,6 +116,33 @@ int readAndWrite(const QString& key)
     return 0;
 }
 
+/// Uses a file of its own, which is damaged again between the two uses.
+int useFileTwice(const QString& path)
+{
+    const QByteArray damaged = contents(path);
+    const QString key = QStringLiteral("k");
+    for (int i = 0; i < 2; ++i) {
+        if (!write(path, damaged + QByteArray(i, '\n')))
+            return 1;
+        CSettings settings(path, QSettings::IniFormat);
+        print(settings.value(key));
+        settings.setValue(key, QStringLiteral("new"));
+    }
+    return 0;
+}
+
+int useAsDefaults(const QString& path)
+{
+    CTemporarySettings overlay(path.toLatin1().constData());
+    CSettings::setTemporarySettings(overlay);
+    CSettings settings;
+    print(settings.value(QStringLiteral("k")));
+    settings.setValue(QStringLiteral("k"), QStringLiteral("new"));
+    print(settings.value(QStringLiteral("k")));
+    print(settings.contains(QStringLiteral("damaged")));
+    return 0;
+}
+
 int runCommand(const QStringList& arguments)
 {
     const QString& command = arguments.at(1);
@@ -112,6 +163,10 @@ int runCommand(const QStringList& arguments)
     }
     if (command == QLatin1String("--read-and-write"))
         return readAndWrite(key);
+    if (command == QLatin1String("--use-file-twice"))
+        return useFileTwice(key);
+    if (command == QLatin1String("--use-as-defaults"))
+        return useAsDefaults(key);
     if (command == QLatin1String("--write-at-exit"))
         return writeAtExit();
     if (command == QLatin1String("--read-from-several-threads"))
@@ -138,19 +193,6 @@ Result run(const QProcessEnvironment& environment, const QStringList& arguments)
         result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     }
     return result;
-}
-
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-}
-
-bool write(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    return QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly)
-        && file.write(bytes) == bytes.size();
 }
 
 /// A configuration home of its own, for the processes that are run with it.
@@ -180,6 +222,56 @@ private:
 QStringList reading(const char* key)
 {
     return {QStringLiteral("--read"), QLatin1String(key)};
+}
+
+/// QSettings writes the entries in this order, too.
+const char entriesBefore[] = "[General]\na=\"1, 2\"\nat=@@home\n";
+const char entriesBehind[] =
+    "k=old\nw=@Size(1 2)\nz=@DateTime(\\0\\0\\0\\x10\\0\\0\\0\\0\\0\\0%\\x85"
+    "\\x3\\0\\xe0\\x65P\\x1)\n\n[group]\nk=v\n";
+
+void addDamagedEntries()
+{
+    QTest::addColumn<QByteArray>("entry");
+
+    const QByteArray date = R"ini(damaged=@DateTime(\0\0\0\x10\0\0\0\0\0\0%\x85\x3\0\xe0\x65P)ini";
+    QTest::newRow("a time in an unknown zone")
+        << QByteArray(date + R"ini(\x3\0\0\0\x6\0\x45\0u\0/))ini");
+    QTest::newRow("a time whose zone is cut off")
+        << QByteArray(date + R"ini(\x3\0\0\0\x1a\0\x45\0u))ini");
+    QTest::newRow("a time of an unknown kind") << QByteArray(date + R"ini(\a))ini");
+    QTest::newRow("a time whose description is cut off")
+        << QByteArray(date
+                      + R"ini(\x3\0\0\0\x1a\0O\0\x66\0\x66\0s\0\x65\0t\0\x46)ini"
+                        R"ini(\0r\0o\0m\0U\0t\0\x63\0\0\0\xe\0M\0y))ini");
+    const auto add = [](const char* name, const QByteArray& stream) {
+        QTest::newRow(name) << "damaged=@Variant(\\0\\0\\0" + stream + ')';
+    };
+    add("a list that counts too much", R"ini(\t\x7f\xff\xff\xff)ini");
+    add("a list that counts one too much", R"ini(\t\0\0\0\x2\0\0\0\x2\0\0\0\x1)ini");
+    add("a string list", R"ini(\v\x7f\xff\xff\xff)ini");
+    add("a map", R"ini(\b\x7f\xff\xff\xff)ini");
+    add("a hash", R"ini(\x1c\x7f\xff\xff\xff)ini");
+    add("a list of bytes", R"ini(\x92\x7f\xff\xff\xff)ini");
+    add("a polygon", R"ini(G\x7f\xff\xff\xff)ini");
+    add("a polygon of fractions", R"ini(\x7f\0\0\0\nQPolygonF\0\x7f\xff\xff\xff)ini");
+    add("a key sequence", R"ini(L\x7f\xff\xff\xff)ini");
+    add("bits", R"ini(\r\xff\xff\xff\xff\0)ini");
+    add("bytes", R"ini(\f\x7f\xff\xff\xff)ini");
+    add("a text", R"ini(\n\x7f\xff\xff\xfe)ini");
+    add("a text of an odd size", R"ini(\n\0\0\0\x3\0\x61\0)ini");
+    add("a line that is cut off", R"ini(\x17\0\0\0\x1)ini");
+    add("a list in a map", R"ini(\b\0\0\0\x1\0\0\0\x2\0\x61\0\0\0\t\x7f\xff\xff\xff)ini");
+    add("lists in lists",
+        QByteArray(R"ini(\t\0\0\0\x1\0\0\0)ini").repeated(40) + R"ini(\x2\0\0\0\x1)ini");
+    QTest::newRow("without a type") << QByteArray("damaged=@Variant(\\0\\0)");
+    QTest::newRow("within a list") << QByteArray(
+        R"ini(damaged=@Invalid(), "1, 2", @Variant(\0\0\0\t\x7f\xff\xff\xff) , x)ini");
+    QTest::newRow("in quotes") << QByteArray(
+        R"ini(damaged = "@Variant(\0\0\0\t\x7f=,;\"\?)"  )ini");
+    QTest::newRow("octal") << QByteArray(R"ini(damaged=@Variant(\0\0\0\13\177\377\377\377))ini");
+    QTest::newRow("on several lines")
+        << QByteArray("  damaged = \\\n\"@Variant(\\0\\0\\\n\\0\\t\\x7F\\xFF\n\\r\\xff)\"");
 }
 
 } // namespace
@@ -212,6 +304,17 @@ private Q_SLOTS:
     void aChangeByAnotherProcessIsSeen_data();
     void aChangeByAnotherProcessIsSeen();
     void processesKeepEachOthersValues();
+    void damagedStreamedValuesAreTakenOut_data();
+    void damagedStreamedValuesAreTakenOut();
+    void damagedStreamedValuesOfOtherFilesAreTakenOut_data();
+    void damagedStreamedValuesOfOtherFilesAreTakenOut();
+    void whatIsntCertainlyDamagedStays_data();
+    void whatIsntCertainlyDamagedStays();
+    void commentsAndLineEndsStay();
+    void goodStreamedValuesStay_data();
+    void goodStreamedValuesStay();
+    void aDamagedFileThatCannotBeMendedIsRead_data();
+    void aDamagedFileThatCannotBeMendedIsRead();
     void settingsCanBeUsedAtExit();
     void firstUsesOnSeveralThreadsAreSafe();
 
@@ -380,6 +483,204 @@ void tst_SettingsFile::processesKeepEachOthersValues()
     QCOMPARE(read(ours).toInt(), 1);
     QCOMPARE(read(theirs).toInt(), 2);
     VERIFY_RESULT(m_home.run(reading("ours")), "1\n");
+}
+
+void tst_SettingsFile::damagedStreamedValuesAreTakenOut_data()
+{
+    addDamagedEntries();
+}
+
+void tst_SettingsFile::damagedStreamedValuesAreTakenOut()
+{
+    QFETCH(QByteArray, entry);
+
+    const ConfigurationHome home;
+    const QByteArray sound = QByteArray(entriesBefore) + entriesBehind;
+    QVERIFY(write(home.file(), entriesBefore + entry + '\n' + entriesBehind));
+    QVERIFY(QFile::setPermissions(home.file(), QFile::ReadOwner | QFile::WriteOwner));
+    const QFile::Permissions permissions = QFile::permissions(home.file());
+    VERIFY_RESULT(home.run(reading("k")), "old\n");
+    QCOMPARE(contents(home.file()), sound);
+    QCOMPARE(QFile::permissions(home.file()), permissions);
+
+    QVERIFY(write(home.file(), entriesBefore + entry + '\n' + entriesBehind));
+    VERIFY_RESULT(home.run({QStringLiteral("--write"), QStringLiteral("k"), QStringLiteral("new")}),
+                  "");
+    QCOMPARE(contents(home.file()), QByteArray(sound).replace("k=old", "k=new"));
+    QCOMPARE(QDir(home.folder()).entryList(QDir::Files | QDir::Hidden),
+             QStringList(QStringLiteral("Data.plist")));
+}
+
+void tst_SettingsFile::damagedStreamedValuesOfOtherFilesAreTakenOut_data()
+{
+    addDamagedEntries();
+}
+
+void tst_SettingsFile::damagedStreamedValuesOfOtherFilesAreTakenOut()
+{
+    QFETCH(QByteArray, entry);
+
+    const ConfigurationHome home;
+    const QByteArray damaged = entriesBefore + entry + '\n' + entriesBehind;
+    const QString path = home.path() + QStringLiteral("/DefaultTemporarySettins.ini");
+    QVERIFY(write(path, damaged));
+    VERIFY_RESULT(home.run({QStringLiteral("--use-as-defaults"), path}), "old\nnew\nfalse\n");
+    QCOMPARE(contents(path), damaged);
+    VERIFY_RESULT(home.run({QStringLiteral("--use-file-twice"), path}), "old\nold\n");
+    const QByteArray sound = QByteArray(entriesBefore) + entriesBehind;
+    QCOMPARE(contents(path), QByteArray(sound).replace("k=old", "k=new"));
+}
+
+void tst_SettingsFile::whatIsntCertainlyDamagedStays_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+
+    const QByteArray entry = R"ini(damaged=@Variant(\0\0\0\n\0\0\0\x3\0\x61\0))ini";
+    QTest::newRow("in an XML property list") << QByteArray("<?xml\n" + entry);
+    QTest::newRow("in a binary property list") << QByteArray("bplist00\n" + entry);
+    QTest::newRow("a time in the system's zone")
+        << QByteArray("[General]\nk=@DateTime(\\0\\0\\0\\x10\\0\\0\\0\\0\\0\\0%\\x85\\x3\\0\\xe0"
+                      "\\x65P\\x3\\xff\\xff\\xff\\xff)\n");
+    QTest::newRow("a text behind a blank") << QByteArray("[General]\nk=\\\n @Variant(\\0\\0)\n");
+    QTest::newRow("a comment") << QByteArray("[General]\n;" + entry + '\n');
+    QTest::newRow("the name of a group") << QByteArray('[' + entry + "]\n");
+    QTest::newRow("an open end") << QByteArray("[General]\n" + entry.left(entry.size() - 1) + '\n');
+    QTest::newRow("within a text") << QByteArray("[General]\nk=a @Variant(\\0\\0)\n");
+    QTest::newRow("more than the value")
+        << QByteArray("[General]\nk=@Variant(\\0\\0\\0\\x1\\x1more)\n");
+    QTest::newRow("a type without a name here")
+        << QByteArray("[General]\nk=@Variant(\\0\\0\\0\\x7f\\0\\0\\0\\x6Other\\0)\n");
+    QTest::newRow("a font that is cut off") << QByteArray("[General]\nk=@Variant(\\0\\0\\0@)\n");
+}
+
+void tst_SettingsFile::whatIsntCertainlyDamagedStays()
+{
+    QFETCH(QByteArray, bytes);
+
+    const ConfigurationHome home;
+    QVERIFY(write(home.file(), bytes));
+    QCOMPARE(home.run(reading("another")).exitCode, 0); // Qt itself warns of some
+    QCOMPARE(contents(home.file()), bytes);
+}
+
+void tst_SettingsFile::commentsAndLineEndsStay()
+{
+    const ConfigurationHome home;
+    const QByteArray entry = R"ini(damaged=@Variant(\0\0\0\t\x7f\xff\xff\xff))ini";
+    QVERIFY(write(home.file(),
+                  "; first\r\n\r\n[General]\r\n" + entry + "\r\n\r\n" + entry
+                      + " ; why\r\n\tk = old\r\n" + entry + "\rlast=1\n\n[damaged]\n" + entry));
+    VERIFY_RESULT(home.run(reading("k")), "old\n");
+    QCOMPARE(
+        contents(home.file()),
+        QByteArray("; first\r\n\r\n[General]\r\n\r\n; why\r\n\tk = old\r\nlast=1\n\n[damaged]\n"));
+}
+
+void tst_SettingsFile::goodStreamedValuesStay_data()
+{
+    QTest::addColumn<QVariant>("value");
+
+    const QDate date(2020, 2, 3);
+    const QTime time(4, 5, 6);
+    QTest::newRow("local time") << QVariant(QDateTime(date, time));
+    QTest::newRow("universal time") << QVariant(QDateTime(date, time, Qt::UTC));
+    QTest::newRow("time with an offset")
+        << QVariant(QDateTime(date, time, Qt::OffsetFromUTC, 3600));
+    QTest::newRow("time in a zone") << QVariant(QDateTime(date, time, QTimeZone("Europe/Berlin")));
+    QTest::newRow("time in a zone of one's own") << QVariant(QDateTime(
+        date, time, QTimeZone("Own/Zone", 3600, QStringLiteral("own"), QStringLiteral("o"))));
+    QTest::newRow("no time") << QVariant(QDateTime());
+    QTest::newRow("date") << QVariant(date);
+    QTest::newRow("time of day") << QVariant(time);
+    QTest::newRow("colour") << QVariant(QColor(Qt::red));
+    QTest::newRow("font") << QVariant(QFont(QStringLiteral("Serif"), 12));
+    QTest::newRow("key sequence") << QVariant::fromValue(
+        QKeySequence(Qt::CTRL + Qt::Key_A, Qt::Key_B));
+    QTest::newRow("key sequence in a list") << QVariant(QVariantList{
+        QVariantList{QVariant::fromValue(QKeySequence(Qt::CTRL + Qt::Key_A, Qt::Key_B)), 1}});
+    const QVariantMap map{{QStringLiteral("one"), 1}, {QStringLiteral("two"), QVariant()}};
+    QTest::newRow("map") << QVariant(map);
+    QTest::newRow("hash") << QVariant(QVariantHash{{QStringLiteral("one"), 1.5}});
+    QTest::newRow("list") << QVariant(QVariantList{1, QStringLiteral("a, b"), 2.5});
+    QTest::newRow("list of times")
+        << QVariant(QVariantList{QDateTime(date, time, Qt::UTC), date, 1});
+    const QStringList texts{QStringLiteral("a, b"), QString(), QStringLiteral("\u65E5")};
+    QVariant nested = QVariantList{map, texts, QByteArray("a\0b", 3), true};
+    for (int i = 0; i < 20; ++i)
+        nested = QVariantList{nested, QVariantMap{{QStringLiteral("k"), i}}};
+    QTest::newRow("lists and maps in lists") << nested;
+    QTest::newRow("string list in a list") << QVariant(QVariantList{QVariant(texts), 1});
+    QTest::newRow("list of bytes") << QVariant::fromValue(QByteArrayList{"a", QByteArray(), "b"});
+    QTest::newRow("polygon") << QVariant::fromValue(QPolygon(QVector<QPoint>{{1, 2}, {3, -4}}));
+    QTest::newRow("polygon of fractions")
+        << QVariant::fromValue(QPolygonF(QVector<QPointF>{{1.5, 2}, {3, -4}}));
+    QTest::newRow("bits") << QVariant(QBitArray(11, true));
+    QTest::newRow("bytes") << QVariant(QByteArray("a\0\xff)", 4));
+    QTest::newRow("rectangle") << QVariant(QRect(1, 2, 3, 4));
+    QTest::newRow("rectangle of fractions") << QVariant(QRectF(1.5, 2, 3, 4));
+    QTest::newRow("size") << QVariant(QSize(1, 2));
+    QTest::newRow("size of fractions") << QVariant(QSizeF(1.5, 2));
+    QTest::newRow("point of fractions") << QVariant(QPointF(1.5, 2));
+    QTest::newRow("line") << QVariant(QLine(1, 2, 3, 4));
+    QTest::newRow("line of fractions") << QVariant(QLineF(1.5, 2, 3, 4));
+    QTest::newRow("double") << QVariant(2.5);
+    QTest::newRow("float") << QVariant(2.5F);
+    QTest::newRow("numbers in a list") << QVariant(
+        QVariantList{QVariantList{2.5, 2.5F, 1U, 1LL, 1ULL, QVariant::fromValue(short(1)),
+                                  QVariant::fromValue('c'), QVariant::fromValue(1L)}});
+    QTest::newRow("character") << QVariant(QChar('x'));
+    QTest::newRow("address") << QVariant(QUrl(QStringLiteral("http://host/path")));
+    QTest::newRow("locale") << QVariant(QLocale(QStringLiteral("de_DE")));
+    QTest::newRow("identifier") << QVariant(QUuid(1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11));
+    QTest::newRow("pattern") << QVariant(QRegularExpression(QStringLiteral("a.*b")));
+}
+
+void tst_SettingsFile::goodStreamedValuesStay()
+{
+    QFETCH(QVariant, value);
+
+    const ConfigurationHome home;
+    const QString key = QStringLiteral("value");
+    QVERIFY(QDir().mkpath(home.folder()));
+    {
+        QSettings settings(home.file(), QSettings::IniFormat);
+        settings.setValue(key, value);
+    }
+    const QVariant plain = QSettings(home.file(), QSettings::IniFormat).value(key);
+    const QByteArray bytes = contents(home.file());
+    VERIFY_RESULT(home.run(reading("k")), "default\n");
+    QCOMPARE(contents(home.file()), bytes);
+
+    VERIFY_RESULT(home.run({QStringLiteral("--write"), QStringLiteral("k"), QStringLiteral("v")}),
+                  "");
+    QVERIFY(contents(home.file()).contains("k=v\n"));
+    QCOMPARE(contents(home.file()).replace("k=v\n", ""), bytes);
+    QVERIFY(CSettings(home.file(), QSettings::IniFormat).value(key) == plain);
+}
+
+void tst_SettingsFile::aDamagedFileThatCannotBeMendedIsRead_data()
+{
+    writesToAnUnwritablePlaceAreLost_data();
+}
+
+void tst_SettingsFile::aDamagedFileThatCannotBeMendedIsRead()
+{
+    QFETCH(int, folderMode);
+    QFETCH(int, fileMode);
+
+    const ConfigurationHome home;
+    const QByteArray bytes = QByteArray(entriesBefore)
+        + R"ini(damaged=@DateTime(\0\0\0\x10\0\0\0\0\0\0%\x85\x3\0\xe0\x65P\x3\0\0\0\x6\0\x45\0u\0/))ini"
+          "\n"
+        + entriesBehind;
+    QVERIFY(write(home.file(), bytes));
+    QVERIFY(QFile::setPermissions(home.file(), QFile::Permissions(fileMode)));
+    QVERIFY(QFile::setPermissions(home.folder(), QFile::Permissions(folderMode)));
+
+    VERIFY_RESULT(home.run({QStringLiteral("--read-and-write"), QStringLiteral("k")}), "old\n");
+    QCOMPARE(contents(home.file()), bytes);
+    QCOMPARE(QDir(home.folder()).entryList(QDir::Files | QDir::Hidden),
+             QStringList(QStringLiteral("Data.plist")));
 }
 
 void tst_SettingsFile::settingsCanBeUsedAtExit()

@@ -3,6 +3,7 @@
 #include "CommonConstants.h"
 #include "Logger_p.h"
 #include "PlatformServices_p.h"
+#include "SettingsCheck_p.h"
 #include "TemporarySettings.h"
 #include "storageLocation.h"
 
@@ -19,13 +20,22 @@ using Private::logLine;
 
 namespace {
 
+/// Before QSettings opens it. Other formats than these are none of ours.
+QString mendedFile(const QString& path, QSettings::Format format)
+{
+    if (format == QSettings::IniFormat || format == QSettings::NativeFormat)
+        mendChangedSettingsFile(path);
+    return path;
+}
+
 /// The path of the product's settings file. QSettings forgets a parsed file when its last object
 /// goes, which would make every short-lived CSettings parse it again, so one object stays.
 const QString& settingsFilePath()
 {
     struct SettingsFile
     {
-        const QString path = Platform::systemFolder() + QStringLiteral("Data.plist");
+        const QString path = mendedFile(Platform::systemFolder() + QStringLiteral("Data.plist"),
+                                        QSettings::NativeFormat);
         const QSettings keepParsed{path, QSettings::NativeFormat};
     };
     // Never destroyed: later destructors of singletons may still read settings.
@@ -85,7 +95,7 @@ CSettings::CSettings(QSettings::Scope scope, QObject* parent)
 }
 
 CSettings::CSettings(const QString& fileName, QSettings::Format format, QObject* parent)
-    : m_settings(fileName, format, parent)
+    : m_settings(mendedFile(fileName, format), format, parent)
 {
     detachFromDyingParent(parent);
     connectSlots();

@@ -19,8 +19,9 @@ class CTemporarySettings;
 /// ones go to its file, also those of objects that already exist; when it dies they come back. An
 /// object is cheap to make, meant for the stack and for one thread; objects on several threads may
 /// share a file. Nothing reports a failure: an unreadable file gives defaults, writes to an
-/// unwritable one or on a full disk are lost. Writes reach the persistent file when the object is
-/// destroyed, or earlier; the overlay's at once.
+/// unwritable one or on a full disk are lost. A file's damaged streamed values, which QSettings
+/// doesn't stand, are taken out of it when it is opened. Writes reach the persistent file when the
+/// object is destroyed, or earlier; the overlay's at once.
 class UTILSDLL_EXPORT CSettings : public QObject
 {
     Q_OBJECT

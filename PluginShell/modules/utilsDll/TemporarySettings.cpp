@@ -2,6 +2,7 @@
 
 #include "Assertions.h"
 #include "CommonConstants.h"
+#include "SettingsCheck_p.h"
 
 #include <QDir>
 #include <QFile>
@@ -21,8 +22,10 @@ QString g_lastDestroyedPath;
 /// A default file may be read-only, its copy has to be written.
 void copyDefaults(const QString& from, const QString& to)
 {
-    if (QFile::copy(from, to))
-        QFile::setPermissions(to, QFile::permissions(to) | QFile::ReadOwner | QFile::WriteOwner);
+    if (!QFile::copy(from, to))
+        return;
+    QFile::setPermissions(to, QFile::permissions(to) | QFile::ReadOwner | QFile::WriteOwner);
+    mendSettingsFile(to);
 }
 
 } // namespace
