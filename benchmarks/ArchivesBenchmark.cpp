@@ -136,6 +136,14 @@ PairedTimes unpackEntries(int entries, Unpack ours)
     return archive.paired(entries < 1000 ? 301 : (entries < 100000 ? 31 : 3), ours, unzip);
 }
 
+PairedTimes unpackFile(int kib, Unpack ours)
+{
+    const Archive archive([kib](const QString& folder) {
+        return writeMixedFile(folder + QStringLiteral("/file.dat"), kib);
+    });
+    return archive.paired(kib < 100000 ? 101 : 5, ours, copyFromKArchive);
+}
+
 } // namespace
 
 void addArchives(Benchmarks& benchmarks)
@@ -178,5 +186,7 @@ void addArchives(Benchmarks& benchmarks)
         benchmarks.growths.push_back({QStringLiteral("%1: by entries").arg(function.name),
                                       unzipName,
                                       [=](int entries) { return unpackEntries(entries, ours); }});
+        benchmarks.growths.push_back({QStringLiteral("%1: a file, by KiB").arg(function.name),
+                                      kArchive, [=](int kib) { return unpackFile(kib, ours); }});
     }
 }

@@ -54,13 +54,20 @@ const QByteArray& mixedData()
     return data;
 }
 
-bool writeLargeFile(const QString& path)
+bool writeMixedFile(const QString& path, int kib)
 {
     QFile file(path);
     bool written = file.open(QIODevice::WriteOnly);
-    for (int i = 0; written && i < (1 << 30) / mixedSize; ++i)
-        written = file.write(mixedData()) == mixedSize;
+    for (qint64 left = qint64(kib) << 10; written && left > 0; left -= mixedSize) {
+        const qint64 size = qMin(left, qint64(mixedSize));
+        written = file.write(mixedData().constData(), size) == size;
+    }
     return written && file.flush();
+}
+
+bool writeLargeFile(const QString& path)
+{
+    return writeMixedFile(path, 1 << 20);
 }
 
 bool writeSmallFiles(const QString& folder)

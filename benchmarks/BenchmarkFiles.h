@@ -7,7 +7,10 @@
 /// always.
 const QByteArray& mixedData();
 
-/// A file of 1 GiB of mixedData(). False if it can't be written.
+/// A file of mixedData(), as often as it takes. False if it can't be written.
+bool writeMixedFile(const QString& path, int kib);
+
+/// A file of 1 GiB of it.
 bool writeLargeFile(const QString& path);
 
 /// 10,000 files of 100 bytes to 16 KiB of mixedData(), in 100 folders. False if one can't be
