@@ -229,7 +229,9 @@ void CSettings::removeTemporarySettings()
 
 QString CSettings::getStringFromPreferencesFile(const QString& key, const QString& defaultValue)
 {
-    const QSettings preferences(CStorageLocation::getPreferencesFilePath(), QSettings::IniFormat);
+    const QSettings preferences(
+        mendedFile(CStorageLocation::getPreferencesFilePath(), QSettings::IniFormat),
+        QSettings::IniFormat);
     const QString text = preferences.value(key, defaultValue).toString();
     return text.isEmpty() ? defaultValue : text;
 }

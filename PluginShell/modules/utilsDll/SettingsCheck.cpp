@@ -18,6 +18,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 
 namespace VEK_NAMESPACE {
 
@@ -518,7 +520,7 @@ void mendSettingsFile(const QString& path)
 
 void mendChangedSettingsFile(const QString& path)
 {
-    using Stamp = QPair<qint64, qint64>;
+    using Stamp = QPair<quint64, std::filesystem::file_time_type>;
     struct Known
     {
         QMutex mutex;
@@ -526,20 +528,25 @@ void mendChangedSettingsFile(const QString& path)
     };
     constexpr int mostKnown = 1000;
 
-    const QFileInfo file(path);
-    if (!file.isFile())
+    // QFileInfo would turn the time into a local one, which takes longer than all the rest.
+    const std::filesystem::path file(QFile::encodeName(path).constData());
+    std::error_code error;
+    Stamp stamp;
+    stamp.first = std::filesystem::file_size(file, error);
+    if (!error)
+        stamp.second = std::filesystem::last_write_time(file, error);
+    if (error)
         return;
+
     // Never destroyed: later destructors of singletons may still open settings.
     static Known& known = *new Known;
     const QMutexLocker lock(&known.mutex);
-    const QString name = file.absoluteFilePath();
-    const Stamp stamp(file.size(), file.lastModified().toMSecsSinceEpoch());
-    if (known.stamps.value(name) == stamp)
+    if (known.stamps.value(path) == stamp)
         return;
     if (known.stamps.size() >= mostKnown)
         known.stamps.clear();
-    mendSettingsFile(name);
-    known.stamps.insert(name, stamp);
+    mendSettingsFile(path);
+    known.stamps.insert(path, stamp);
 }
 
 } // namespace VEK_NAMESPACE
