@@ -69,6 +69,13 @@ public:
         m_process.waitForBytesWritten();
     }
 
+    /// Lets a host end that waits for its input. Whether it does, and well.
+    bool end()
+    {
+        m_process.closeWriteChannel();
+        return exitCode() == 0;
+    }
+
     bool isRunning()
     {
         m_process.waitForFinished(0);

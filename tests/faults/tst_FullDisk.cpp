@@ -137,6 +137,7 @@ void tst_FullDisk::settings_stay_whole()
         QCOMPARE(settings.value(QStringLiteral("array3/size")), QStringLiteral("2"));
     else
         QVERIFY(!settings.contains(QStringLiteral("victim")));
+    QVERIFY(host.end());
 }
 
 void tst_FullDisk::settings_stay_whole_while_it_fills_up()

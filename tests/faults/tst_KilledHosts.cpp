@@ -282,6 +282,7 @@ void tst_KilledHosts::what_is_left_of_a_lock_holds_up_nobody()
         neighbour.goOn();
         QVERIFY(neighbour.nextLine(patienceMs).contains(QStringLiteral("4096")));
     }
+    QVERIFY(neighbour.end());
 
     QVERIFY(leaveLock());
     HostUnderFault host(QStringLiteral(SETTINGS_HOST), {QStringLiteral("count")});

@@ -529,11 +529,31 @@ void OneProcess::filesBecomeRows_data()
         {changedLanguage(Messages, [](QByteArray& section) { section[1] = '\xc0'; })}, none);
     row("a message that is cut off",
         {changedLanguage(Messages, [](QByteArray& section) { section.chop(10); })}, none);
+    row("a message that ends within a size",
+        {changedLanguage(Messages,
+                         [](QByteArray& section) {
+                             section.chop(1); // the mark of its end
+                             section.append("\x3\0", 2);
+                         })},
+        none);
+    row("a message with a check sum",
+        {changedLanguage(Messages,
+                         [](QByteArray& section) {
+                             section.chop(1);
+                             section.append("\x5\0\0\0\0\x1", 6);
+                         })},
+        {italian});
+    const QByteArray whole = *changedLanguage(Messages, [](QByteArray&) {}).bytes;
+    row("a section that is cut off", {bytes("vek_it.qm", whole.left(24))}, none);
     row("contexts without a table",
         {changedLanguage(Contexts, [](QByteArray& section) { section = QByteArray(4, '\0'); })},
         none);
     row("contexts with a table larger than they are",
         {changedLanguage(Contexts, [](QByteArray& section) { section = QByteArray(4, '\xff'); })},
+        none);
+    row("contexts whose names are cut off",
+        {changedLanguage(Contexts,
+                         [](QByteArray& section) { section = QByteArray("\0\x1\0\x1\0\0", 6); })},
         none);
     row("a file that depends on itself", {dependentLanguage("vek_it")}, none);
     row("a file that depends on one that depends on it",

@@ -11,6 +11,7 @@
 #include <QFileInfo>
 #include <QFont>
 #include <QKeySequence>
+#include <QLockFile>
 #include <QPolygon>
 #include <QPolygonF>
 #include <QProcess>
@@ -261,6 +262,9 @@ void addDamagedEntries()
     add("a text", R"ini(\n\x7f\xff\xff\xfe)ini");
     add("a text of an odd size", R"ini(\n\0\0\0\x3\0\x61\0)ini");
     add("a line that is cut off", R"ini(\x17\0\0\0\x1)ini");
+    add("a variant", R"ini(\x8a\0\0\0\t\x7f\xff\xff\xff)ini");
+    add("a type whose name is cut off", R"ini(\x7f\0\0\0\nQPoly)ini");
+    add("a time in a map that is cut off", R"ini(\b\0\0\0\x1\0\0\0\x2\0\x61\0\0\0\x10\0%)ini");
     add("a list in a map", R"ini(\b\0\0\0\x1\0\0\0\x2\0\x61\0\0\0\t\x7f\xff\xff\xff)ini");
     add("lists in lists",
         QByteArray(R"ini(\t\0\0\0\x1\0\0\0)ini").repeated(40) + R"ini(\x2\0\0\0\x1)ini");
@@ -272,6 +276,8 @@ void addDamagedEntries()
     QTest::newRow("octal") << QByteArray(R"ini(damaged=@Variant(\0\0\0\13\177\377\377\377))ini");
     QTest::newRow("on several lines")
         << QByteArray("  damaged = \\\n\"@Variant(\\0\\0\\\n\\0\\t\\x7F\\xFF\n\\r\\xff)\"");
+    QTest::newRow("on several lines of another system")
+        << QByteArray("damaged = \\\r\n\"@Variant(\\0\\0\\\r\n\\0\\t\\x7F\\xFF\r\n\\r\\xff)\"");
 }
 
 } // namespace
@@ -315,6 +321,8 @@ private Q_SLOTS:
     void goodStreamedValuesStay();
     void aDamagedFileThatCannotBeMendedIsRead_data();
     void aDamagedFileThatCannotBeMendedIsRead();
+    void aDamagedFileThatIsBeingWrittenIsRead();
+    void manyFilesAreLookedAt();
     void settingsCanBeUsedAtExit();
     void firstUsesOnSeveralThreadsAreSafe();
 
@@ -545,6 +553,7 @@ void tst_SettingsFile::whatIsntCertainlyDamagedStays_data()
     QTest::newRow("a comment") << QByteArray("[General]\n;" + entry + '\n');
     QTest::newRow("the name of a group") << QByteArray('[' + entry + "]\n");
     QTest::newRow("an open end") << QByteArray("[General]\n" + entry.left(entry.size() - 1) + '\n');
+    QTest::newRow("a backslash at the end") << QByteArray("[General]\nm=a @Variant(\nk=a\\");
     QTest::newRow("within a text") << QByteArray("[General]\nk=a @Variant(\\0\\0)\n");
     QTest::newRow("more than the value")
         << QByteArray("[General]\nk=@Variant(\\0\\0\\0\\x1\\x1more)\n");
@@ -600,6 +609,8 @@ void tst_SettingsFile::goodStreamedValuesStay_data()
         QVariantList{QVariant::fromValue(QKeySequence(Qt::CTRL + Qt::Key_A, Qt::Key_B)), 1}});
     const QVariantMap map{{QStringLiteral("one"), 1}, {QStringLiteral("two"), QVariant()}};
     QTest::newRow("map") << QVariant(map);
+    QTest::newRow("map of times") << QVariant(
+        QVariantMap{{QStringLiteral("one"), QDateTime(date, time, Qt::UTC)}});
     QTest::newRow("hash") << QVariant(QVariantHash{{QStringLiteral("one"), 1.5}});
     QTest::newRow("list") << QVariant(QVariantList{1, QStringLiteral("a, b"), 2.5});
     QTest::newRow("list of times")
@@ -681,6 +692,33 @@ void tst_SettingsFile::aDamagedFileThatCannotBeMendedIsRead()
     QCOMPARE(contents(home.file()), bytes);
     QCOMPARE(QDir(home.folder()).entryList(QDir::Files | QDir::Hidden),
              QStringList(QStringLiteral("Data.plist")));
+}
+
+void tst_SettingsFile::aDamagedFileThatIsBeingWrittenIsRead()
+{
+    const ConfigurationHome home;
+    const QByteArray bytes = QByteArray(entriesBefore) + "damaged=@DateTime(\\0)\n" + entriesBehind;
+    QVERIFY(write(home.file(), bytes));
+    QLockFile writer(home.file() + QStringLiteral(".lock"));
+    QVERIFY(writer.lock());
+    VERIFY_RESULT(home.run(reading("k")), "old\n");
+    QCOMPARE(contents(home.file()), bytes);
+
+    writer.unlock();
+    VERIFY_RESULT(home.run(reading("k")), "old\n");
+    QCOMPARE(contents(home.file()), QByteArray(entriesBefore) + entriesBehind);
+}
+
+void tst_SettingsFile::manyFilesAreLookedAt()
+{
+    const QTemporaryDir folder;
+    const QByteArray sound("[General]\nk=1\n");
+    for (int i = 0; i < 1010; ++i) {
+        const QString path = folder.filePath(QString::number(i));
+        QVERIFY(write(path, sound + "damaged=@DateTime(\\0)\n"));
+        QCOMPARE(CSettings(path, QSettings::IniFormat).value(QStringLiteral("k")).toInt(), 1);
+        QCOMPARE(contents(path), sound);
+    }
 }
 
 void tst_SettingsFile::settingsCanBeUsedAtExit()

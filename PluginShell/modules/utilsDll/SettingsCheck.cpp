@@ -500,8 +500,6 @@ ScreenedSettings screenSettings(const QByteArray& content)
 void mendSettingsFile(const QString& path)
 {
     const QFileInfo file(path);
-    if (!file.isFile())
-        return;
     const QByteArray content = bytesOf(path);
     if (!hasStreamedValues(content) || !screenSettings(content).isDamaged || !file.isWritable())
         return;

@@ -131,12 +131,7 @@ public:
         }
     }
 
-    Q_INVOKABLE void show(const QScriptValue& globals)
-    {
-        const int status = m_use(globals);
-        std::fflush(nullptr);
-        std::_Exit(status);
-    }
+    Q_INVOKABLE void show(const QScriptValue& globals) { std::exit(m_use(globals)); }
 
 private:
     std::function<int(const QScriptValue&)> m_use;
