@@ -716,8 +716,10 @@ void tst_SettingsFile::manyFilesAreLookedAt()
     for (int i = 0; i < 1010; ++i) {
         const QString path = folder.filePath(QString::number(i));
         QVERIFY(write(path, sound + "damaged=@DateTime(\\0)\n"));
-        QCOMPARE(CSettings(path, QSettings::IniFormat).value(QStringLiteral("k")).toInt(), 1);
-        QCOMPARE(contents(path), sound);
+        for (int times = 0; times < 3; ++times) {
+            QCOMPARE(CSettings(path, QSettings::IniFormat).value(QStringLiteral("k")).toInt(), 1);
+            QCOMPARE(contents(path), sound);
+        }
     }
 }
 
