@@ -43,7 +43,7 @@ using VEK_NAMESPACE::CScripting;
 
 // The process ends in the middle of a run, whose memory LeakSanitizer would take for lost.
 // NOLINTBEGIN(*-reserved-identifier,cert-dcl*): LeakSanitizer's own name
-extern "C" int __lsan_is_turned_off();
+extern "C" Q_DECL_EXPORT int __lsan_is_turned_off();
 extern "C" int __lsan_is_turned_off()
 {
     return 1;
