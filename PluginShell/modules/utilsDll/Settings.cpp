@@ -49,7 +49,7 @@ const QString& settingsFilePath()
 void takeAwayEmptyLock(const QString& settingsPath)
 {
     const QFileInfo file(settingsPath + QStringLiteral(".lock"));
-    if (!file.isFile() || file.size() > 0)
+    if (!file.isFile() || file.size() > 0 || !QFileInfo(file.path()).isWritable())
         return;
     QLockFile lock(file.filePath());
     lock.setStaleLockTime(500);
