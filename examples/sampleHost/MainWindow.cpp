@@ -451,6 +451,7 @@ void MainWindow::showPicture(const QImage& picture, const QString& path)
     m_picture = picture;
     m_path = path;
     m_unreadableName.clear();
+    setWindowTitle(QStringLiteral("%1[*] – %2").arg(QFileInfo(path).fileName(), g_appTitle));
     m_panel->setTitle(pictureTitle(picture));
     m_panel->setCorrections(Corrections());
     m_savedTitle = m_panel->title();
@@ -460,7 +461,6 @@ void MainWindow::showPicture(const QImage& picture, const QString& path)
 
     m_view->setPicture(picture);
     m_description->setPicture(path, picture.size());
-    setWindowTitle(QStringLiteral("%1[*] – %2").arg(QFileInfo(path).fileName(), g_appTitle));
     updateState();
 }
 

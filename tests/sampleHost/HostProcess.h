@@ -46,6 +46,15 @@ private:
     QProcess m_process;
 };
 
+/// Verifies that \a host ends well and without a word, or shows all that it said.
+#define VERIFY_SUCCESS(host)                                                                       \
+    do {                                                                                           \
+        HostProcess& process = host;                                                               \
+        const QString said = process.errorLines().join(QLatin1Char('\n'));                         \
+        QVERIFY2(said.isEmpty(), qPrintable(said));                                                \
+        QCOMPARE(process.exitCode(), 0);                                                           \
+    } while (false)
+
 inline void writeFile(const QString& path, const QByteArray& content)
 {
     QFile file(path);

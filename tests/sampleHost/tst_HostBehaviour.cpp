@@ -302,9 +302,7 @@ void tst_HostBehaviour::scripts_see()
         if (!m_runs[next] && QFileInfo::exists(script))
             m_runs[next] = startHost(script, QStringLiteral("start.png"));
     }
-    HostProcess& host = *m_runs[run];
-    QCOMPARE(host.errorLines(), QStringList());
-    QCOMPARE(host.exitCode(), 0);
+    VERIFY_SUCCESS(*m_runs[run]);
 
     const QStringList report = readLines(path(QStringLiteral("case%1Report.txt").arg(run)));
     QVERIFY2(report.mid(3, report.size() - 4) == seen, qPrintable(report.join(QLatin1Char('\n'))));
@@ -321,7 +319,8 @@ void tst_HostBehaviour::saved_pictures_are_corrected()
                        "nativeDialogs.setSaveFileName(dir + 'corners.jpg'); click('saveButton');"
                        "scripting.setItemChecked(mainWindow, 'autoCropCheckBox', true);"
                        "nativeDialogs.setSaveFileName(dir + 'cropped.png'); click('saveButton');"));
-    QCOMPARE(startHost(script, QStringLiteral("start.png"))->exitCode(), 0);
+    const auto host = startHost(script, QStringLiteral("start.png"));
+    VERIFY_SUCCESS(*host);
 
     const QRgb brown = qRgb(200, 100, 50);
     const QImage corners(path(QStringLiteral("corners.png")));
@@ -344,7 +343,8 @@ void tst_HostBehaviour::an_upright_picture_at_the_start_asks_nothing()
     const QString script = path(QStringLiteral("upright.js"));
     writeFile(script, scriptOf("see(text('imageSizeLabel'));"));
 
-    QCOMPARE(startHost(script, QStringLiteral("upright.png"))->exitCode(), 0);
+    const auto host = startHost(script, QStringLiteral("upright.png"));
+    VERIFY_SUCCESS(*host);
 
     QCOMPARE(readLines(path(QStringLiteral("uprightReport.txt"))).value(3),
              QStringLiteral("40 x 70 px"));
@@ -360,7 +360,8 @@ void tst_HostBehaviour::without_a_picture_there_is_nothing_to_save()
                        "scripting.setLineEditText(mainWindow, 'titleEdit', 'Dogs');"
                        "click('closeButton'); see(mainWindow.visible);"));
 
-    QCOMPARE(startHost(script, QString())->exitCode(), 0);
+    const auto host = startHost(script, QString());
+    VERIFY_SUCCESS(*host);
 
     QCOMPARE(readLines(path(QStringLiteral("emptyReport.txt"))).mid(3, 6),
              QStringList({"false", "false", "false", "false", "true", "false"}));

@@ -102,8 +102,7 @@ void tst_RunFiles::the_script_drives_the_window()
                       QStringLiteral("--report-dir"), m_dir->path(), QStringLiteral("--image"),
                       path("picture.png")});
 
-    QCOMPARE(host.errorLines(), QStringList());
-    QCOMPARE(host.exitCode(), 0);
+    VERIFY_SUCCESS(host);
     QCOMPARE(readLines(path("tourReport.txt")).filter(QStringLiteral("ok: ")).size(), 9);
 }
 

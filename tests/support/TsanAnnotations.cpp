@@ -1,6 +1,6 @@
 // Tells ThreadSanitizer about the synchronisation inside Qt, which isn't instrumented: without it
-// all that a lock, an event or a thread's end orders looks like a race. Linked into the tests in
-// builds with ThreadSanitizer only.
+// all that a lock, an event or a thread's end orders looks like a race. Linked into every program
+// that uses the library, in builds with ThreadSanitizer only.
 //
 // Each function here stands in for Qt's own of that name in calls from instrumented code, does what
 // Qt's does, and adds what it orders. Races between functions of ours are reported as ever.
