@@ -30,6 +30,8 @@ private Q_SLOTS:
     void cleanup();
     void settings_wait_for_their_rights_data();
     void settings_wait_for_their_rights();
+    void a_lock_that_has_to_stay_holds_up_nobody_data();
+    void a_lock_that_has_to_stay_holds_up_nobody();
     void a_run_goes_on_without_a_folder_data();
     void a_run_goes_on_without_a_folder();
 
@@ -100,6 +102,43 @@ void tst_LostRights::settings_wait_for_their_rights()
     QCOMPARE(settings.value(QStringLiteral("first")), QStringLiteral("kept"));
     for (int i = 0; i < 5; ++i)
         QCOMPARE(settings.value(QStringLiteral("group%1/large").arg(i)).size(), 4096);
+    QCOMPARE(host.errors(), QString());
+}
+
+void tst_LostRights::a_lock_that_has_to_stay_holds_up_nobody_data()
+{
+    QTest::addColumn<QByteArray>("lock");
+    QTest::newRow("with nothing in it") << QByteArray();
+    QTest::newRow("of a process that is gone")
+        << QByteArray("4194303\nsettingsHost\n" + QSysInfo::machineHostName().toLocal8Bit() + '\n'
+                      + QSysInfo::machineUniqueId() + '\n' + QSysInfo::bootUniqueId() + '\n');
+}
+
+void tst_LostRights::a_lock_that_has_to_stay_holds_up_nobody()
+{
+    QFETCH(QByteArray, lock);
+    const QString file = path(QStringLiteral("Vek Labs/krnv3/Data.plist"));
+    const QString folder = QFileInfo(file).path();
+    QVERIFY(writeFile(file, "[General]\nfirst=kept\n"));
+    QVERIFY(writeFile(file + QStringLiteral(".lock"), lock));
+    m_changed.push_back(folder);
+    QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_dir->path());
+    HostUnderFault host(QStringLiteral(SETTINGS_HOST), {QStringLiteral("large")}, environment);
+    QCOMPARE(host.nextLine(), QStringLiteral("ready"));
+
+    // Changes that can't be written are lost, and what was written can be read.
+    for (int i = 0; i < 3; ++i) {
+        host.goOn();
+        QCOMPARE(host.nextLine(), QStringLiteral("kept 0 default"));
+        QCOMPARE(host.nextLine(), QStringLiteral("ready"));
+    }
+
+    QVERIFY(QFile::setPermissions(folder, all));
+    host.goOn();
+    QCOMPARE(host.nextLine(), QStringLiteral("kept 4096 default"));
+    QVERIFY(!QFile::exists(file + QStringLiteral(".lock")));
     QCOMPARE(host.errors(), QString());
 }
 

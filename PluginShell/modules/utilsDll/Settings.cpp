@@ -43,17 +43,23 @@ const QString& settingsFilePath()
     return file.path;
 }
 
-/// A process that is killed while it makes its lock leaves an empty one, for which QSettings would
-/// wait half a minute. A living one fills its lock at once, and holds it in a way that lasts no
-/// longer than the process.
-void takeAwayEmptyLock(const QString& settingsPath)
+/// Whether no lock is left that would hold up QSettings. A process that is killed while it makes
+/// its lock leaves an empty one, for which QSettings would wait half a minute: it is taken away. A
+/// living one fills its lock at once, and holds it in a way that lasts no longer than the process.
+/// In a folder without rights QSettings would wait for ever.
+bool isFreeOfLeftLock(const QString& settingsPath)
 {
     const QFileInfo file(settingsPath + QStringLiteral(".lock"));
-    if (!file.isFile() || file.size() > 0 || !QFileInfo(file.path()).isWritable())
-        return;
-    QLockFile lock(file.filePath());
-    lock.setStaleLockTime(500);
-    lock.tryLock(2000);
+    if (!file.isFile())
+        return true;
+    if (!QFileInfo(file.path()).isWritable())
+        return false;
+    if (file.size() == 0) {
+        QLockFile lock(file.filePath());
+        lock.setStaleLockTime(500);
+        lock.tryLock(2000);
+    }
+    return true;
 }
 
 /// Whether a file can be written once more beside what is there of it. QSettings takes a write that
@@ -72,8 +78,7 @@ bool hasSpaceForChange(const QSettings& settings)
 
 bool isReadyForChange(const QSettings& settings)
 {
-    takeAwayEmptyLock(settings.fileName());
-    return hasSpaceForChange(settings);
+    return isFreeOfLeftLock(settings.fileName()) && hasSpaceForChange(settings);
 }
 
 } // namespace
