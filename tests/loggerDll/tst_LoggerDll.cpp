@@ -796,22 +796,32 @@ void tst_LoggerDll::manyThreadsLoseNoLine()
 
 void tst_LoggerDll::aSetupWhileThreadsLogLosesNoLine()
 {
-    constexpr int lineCount = 3000;
+    constexpr int setups = 100;
+    constexpr int linesOfEach = 120;
+    constexpr int lineCount = setups * linesOfEach;
 
     setup("a");
-    std::atomic<int> running{4};
+    std::atomic<int> begun{0};
+    std::atomic<int> allowed{0};
+    std::atomic<int> logged{0};
     std::vector<std::thread> threads;
     threads.reserve(4);
     for (int thread = 0; thread < 4; ++thread) {
-        threads.emplace_back([this, &running] {
-            for (int i = 0; i < lineCount; ++i)
+        threads.emplace_back([&] {
+            for (int line = begun++; line < lineCount; line = begun++) {
+                while (line >= allowed)
+                    std::this_thread::yield();
                 m_logger->log('D', "line");
-            --running;
+                ++logged;
+            }
         });
     }
-    while (running > 0) {
-        setup("b");
-        setup("a");
+    // Each is followed by the next one when half of its lines have come.
+    for (int i = 0; i < setups; ++i) {
+        setup(i % 2 == 0 ? "b" : "a");
+        allowed += linesOfEach;
+        while (logged < allowed - linesOfEach / 2)
+            std::this_thread::yield();
     }
     for (std::thread& thread : threads)
         thread.join();
@@ -820,8 +830,8 @@ void tst_LoggerDll::aSetupWhileThreadsLogLosesNoLine()
     QCOMPARE(filesIn(m_folder->path()),
              (QStringList{QStringLiteral("a.log"), QStringLiteral("b.log")}));
     const QStringList texts = textsOf(path("a.log")) + textsOf(path("b.log"));
-    QCOMPARE(texts.count(), 4 * lineCount);
-    QCOMPARE(texts.count(QStringLiteral("line")), 4 * lineCount);
+    QCOMPARE(texts.count(), lineCount);
+    QCOMPARE(texts.count(QStringLiteral("line")), lineCount);
 }
 
 void tst_LoggerDll::eachProcessHasAFileOfItsOwn()
