@@ -139,6 +139,8 @@ void tst_LostRights::a_lock_that_has_to_stay_holds_up_nobody()
     host.goOn();
     QCOMPARE(host.nextLine(), QStringLiteral("kept 4096 default"));
     QVERIFY(!QFile::exists(file + QStringLiteral(".lock")));
+    QCOMPARE(host.nextLine(), QStringLiteral("ready"));
+    QVERIFY(host.end());
     QCOMPARE(host.errors(), QString());
 }
 
